@@ -1,0 +1,52 @@
+# Compiler settings shared by every target, and the two functions that make targets.
+
+add_library(fldc_settings INTERFACE)
+target_compile_features(fldc_settings INTERFACE cxx_std_20)
+target_include_directories(fldc_settings INTERFACE "${PROJECT_SOURCE_DIR}/src")
+target_compile_options(
+  fldc_settings
+  INTERFACE -Wall
+            -Wextra
+            -Wpedantic
+            -Wconversion
+            -Wsign-conversion
+            -Wshadow
+            -Wnon-virtual-dtor
+            -Wold-style-cast
+            -Wcast-align
+            -Woverloaded-virtual
+            -Wnull-dereference
+            -Wduplicated-cond
+            -Wlogical-op
+            -Werror)
+# No implicit conversion between bytes and text anywhere, and none of Qt's macro keywords.
+target_compile_definitions(
+  fldc_settings
+  INTERFACE QT_NO_CAST_FROM_ASCII
+            QT_NO_CAST_TO_ASCII
+            QT_NO_CAST_FROM_BYTEARRAY
+            QT_NO_URL_CAST_FROM_STRING
+            QT_NO_KEYWORDS
+            QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+            QT_USE_QSTRINGBUILDER
+            QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+
+if(FLDC_SANITIZE)
+  set(sanitizers -fsanitize=address,undefined -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_compile_options(fldc_settings INTERFACE ${sanitizers} -Wno-null-dereference)
+  target_link_options(fldc_settings INTERFACE ${sanitizers})
+endif()
+
+# fldc_library(name SOURCES file... LINKS library...): one static library per folder.
+function(fldc_library name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  add_library(${name} STATIC ${arg_SOURCES})
+  target_link_libraries(${name} PUBLIC fldc_settings ${arg_LINKS})
+endfunction()
+
+# fldc_executable(name SOURCES file... LINKS library...)
+function(fldc_executable name)
+  cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
+  add_executable(${name} ${arg_SOURCES})
+  target_link_libraries(${name} PRIVATE fldc_settings ${arg_LINKS})
+endfunction()

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+namespace fldc {
+
+enum class MessageKind { Information, Error };
+
+/// Message boxes with the application's title. Each call returns when the user has answered.
+class IMessageBox {
+public:
+    virtual ~IMessageBox() = default;
+
+    /// One OK button.
+    virtual void show(const QString& text, MessageKind kind) = 0;
+    /// Yes and No buttons; true for Yes. With nobody to ask the answer is No.
+    [[nodiscard]] virtual bool askYesNo(const QString& text) = 0;
+};
+
+} // namespace fldc
