@@ -1,0 +1,50 @@
+#pragma once
+
+#include "app/CommandLine.h"
+
+#include <QString>
+
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace fldc {
+
+class IDownloadWindowFactory;
+class IWaitDialogFactory;
+class clsDLManager;
+struct Platform;
+
+/// The process entry of a program that a user or another program started: opens the main window, or
+/// runs one download without a user and tells the exit code.
+class StartUp {
+public:
+    /// Where the run tells of what goes on; called with the manager before anything is done with
+    /// it.
+    using ManagerWatcher = std::function<void(clsDLManager&)>;
+
+    StartUp(const Platform& platform, IDownloadWindowFactory& windows, IWaitDialogFactory& dialogs,
+            ManagerWatcher watch);
+    ~StartUp();
+
+    /// Runs the command line @p text (the arguments joined by blanks). Returns the exit code, 0 or
+    /// 1; nothing when the main window was opened, which the process then lives for.
+    [[nodiscard]] std::optional<int> run(const QString& text);
+
+    /// Ends the running download as a user's cancel does; run() then returns 1.
+    void interrupt();
+
+private:
+    [[nodiscard]] int runSwitches(const SwitchTable& switches);
+    void runDownload(const SwitchTable& switches);
+    void stopIfInterrupted() const;
+
+    const Platform& m_platform;
+    IDownloadWindowFactory& m_windows;
+    IWaitDialogFactory& m_dialogs;
+    ManagerWatcher m_watch;
+    std::unique_ptr<clsDLManager> m_manager;
+    bool m_interrupted = false;
+};
+
+} // namespace fldc

@@ -1,0 +1,197 @@
+#pragma once
+
+#include "platform/Platform.h"
+#include "protocol/IProtocolEvents.h"
+#include "shared/Enumerations.h"
+#include "shared/LastError.h"
+
+#include <QObject>
+#include <QString>
+#include <QStringList>
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+
+namespace fldc {
+
+class Cancellation;
+class IDownloadWindow;
+class IDownloadWindowFactory;
+class IPort;
+class IWaitDialogFactory;
+class clsFile;
+class clsProtocol;
+class clsRadio;
+class colFiles;
+
+/// The one object through which everything is done: it owns the window, the protocol, the port, the
+/// radio model and the loaded files, and runs loads, reports, downloads and erasures.
+///
+/// Status-returning members return the last-error number after the operation (0 = success) and
+/// never throw; the others may throw PlatformFailure, which is said where it can happen. A radio
+/// operation, load or port change that arrives while an operation runs on the thread returns 13 and
+/// changes nothing.
+class clsDLManager final : public QObject, private IProtocolEvents {
+    Q_OBJECT
+
+public:
+    /// Creates and loads a window, which chooses the first listed port.
+    clsDLManager(const Platform& platform, IDownloadWindowFactory& windows,
+                 IWaitDialogFactory& dialogs);
+    ~clsDLManager() override;
+
+    // -- Radio operations
+
+    /// Reads the radio's configurations. Without a user @p strFiles receives the report text.
+    std::int16_t ReportConfigurations(QString& strFiles);
+    /// Erases the configurations at the positions @p FilesToErase ("2|5|", from 1) of the last
+    /// report or download. Without a user @p strFilesToReport receives the report text read
+    /// afterwards.
+    std::int16_t EraseSelected(const QString& FilesToErase, QString& strFilesToReport);
+    /// Writes every loaded file into the radio. 37 when some were not written; their tags are then
+    /// the detail text that FormatMessage(37) shows, and the last error is 0. Without a user
+    /// @p strFilesToReport receives the report text read afterwards.
+    std::int16_t DownLoad(QString& strFilesToReport);
+    /// Restarts the radio on the port as it is.
+    std::int32_t ResetRadio();
+
+    // -- Port, window, connection
+
+    /// Chooses the port @p strPort (a listed entry, or a number) and shows or hides the window.
+    std::int16_t SetPort(const QString& strPort, bool blnUI);
+    std::int16_t SetUIMode(bool blnUIMode);
+    /// Unloads the window and drops it. In the middle of an operation it also ends that as a user's
+    /// cancel does.
+    void ShutDownUiLessMode();
+    /// Selects the entry of the window's baud-rate list with that value; none: no change. Throws
+    /// when there is no window.
+    void SetBaudRate(std::int32_t lngBaudRate);
+    [[nodiscard]] enmRadioType RadioType() const { return m_radioType; }
+    void setRadioType(enmRadioType type) { m_radioType = type; }
+    [[nodiscard]] bool StayConnected() const { return m_stayConnected; }
+    /// Ignored while a user is present or an operation runs. Throws when there is no window.
+    void setStayConnected(bool blnNew);
+    void setAccessLevel(enmAccessLevel level);
+
+    // -- Files
+
+    /// Loads the files that @p FilesToDL names: folder and file names, or paths between "|", or one
+    /// path. The separator of the folder form is the character with code 0.
+    std::int16_t LoadFiles(const QString& FilesToDL);
+    std::int16_t LoadFilesEx(const QString& FilesToDL, const QString& strSeparator);
+    /// Every element between separators is a full path.
+    void LoadFilesByPath(const QString& strFilePaths, const QString& strSeparator);
+    /// Adds the images of one file to the loaded files. Code 34. Throws when nothing was ever
+    /// loaded.
+    void ValidFile(const QString& strFileName);
+
+    // -- Errors
+
+    void GetLastError(std::int32_t& lngErrNum, QString& strErrDescription) const;
+    /// Message of a code; throws for a number without one.
+    [[nodiscard]] QString FormatMessage(std::int32_t intMessage) const;
+
+    // -- Tasks
+
+    /// Starts an operation that runs after this call has returned. False when it was refused: a
+    /// task is pending or running, or @p eAsyncTaskID is none of the three.
+    bool AsyncTaskProcess(enmAsyncTaskID eAsyncTaskID, const QString& strInput = {});
+    [[nodiscard]] bool AsyncTaskBusy() const { return m_asyncBusy; }
+
+    // -- Logs
+
+    /// Makes new log objects and chooses their files. Throws when no pair of files is usable.
+    void CreateNewLogFile();
+    /// True when the file was last changed on another day than today. Throws when it can't be read.
+    [[nodiscard]] bool FileIsOld(const QString& strPath) const;
+    /// Moves the file to its name with "old_" before it. Throws when that fails.
+    void BackupOldLogFile(const QString& strPath) const;
+
+    // -- For the component only
+
+    /// The window lets go of the manager while it unloads.
+    void ReleaseWindow();
+    /// Ends the running operation at its next wait with code 1.
+    void cancelOperation();
+
+Q_SIGNALS:
+    /// Emitted while the operation still runs; a handler must return for it to go on.
+    void DownloadProgressUpdate(int lngPercentage, const QString& strCurrentfileName, int lngIndex);
+    /// At the very end of every download and report, with the final report text.
+    void ReportConfigurationsUpdate(const QString& strReportConfigurations);
+    void PowerCycleRequired();
+
+private:
+    struct Session;
+    struct Download;
+    enum class Trap { KeepCode, ReplaceCode };
+
+    // Frame of the operations (clsDLManager_session.cpp)
+    [[nodiscard]] Session beginSession();
+    void logRadioOn(Session& session);
+    void SendBootApplication(Session& session, const QString& strFileName);
+    void trap(Trap kind, const std::function<void()>& steps);
+    [[nodiscard]] std::int16_t takeResult() const;
+    void closeSession(Session& session, const QString& statusText);
+    static void showOutcome(Session& session, const QString& statusText);
+    static void closeLogs(Session& session);
+
+    // Download (clsDLManager_download.cpp)
+    void downloadSteps(Session& session, QString& strFilesToReport);
+    [[nodiscard]] bool confirmFpgaUpgrade(const colFiles& files);
+    [[nodiscard]] bool writeFile(Download& download, clsFile& file);
+    [[nodiscard]] bool writeWithoutTargets(Download& download, clsFile& file);
+    [[nodiscard]] bool writeToNetwork(Download& download, clsFile& file, std::int32_t target,
+                                      std::int16_t network);
+    [[nodiscard]] bool writeBlocks(Download& download, clsFile& file);
+
+    // Report (clsDLManager_report.cpp) and erasure (clsDLManager_erase.cpp)
+    void reportSteps(Session& session, QString& strFiles);
+    void eraseSteps(Session& session, const QString& FilesToErase);
+    void rereadAfterErasure(Session& session, QString& strFilesToReport);
+
+    // Loading (clsDLManager_load.cpp)
+    std::int16_t loadPaths(const QStringList& paths, bool rememberFirst);
+    void loadSteps(Session& session, const QStringList& paths, bool rememberFirst);
+    void readFile(const QString& path, const std::shared_ptr<colFiles>& files) const;
+
+    // Port and window (clsDLManager_port.cpp)
+    void choosePort(const QString& strPort, bool blnUI);
+    void showWindow(bool blnUI);
+    void ensureWindow();
+    void closeConnection();
+    [[nodiscard]] IDownloadWindow& window() const;
+
+    // Tasks (clsDLManager_tasks.cpp)
+    void RunAsyncTask();
+    void EndAsyncTask(enmAsyncTaskID task, QString text);
+    void stopTaskTimer();
+
+    // IProtocolEvents
+    void onDownloadProgress(std::int32_t lngPercentage, const QString& strCurrentfileName,
+                            std::int32_t lngIndex) override;
+    void onPowerCycleRequired() override;
+
+    Platform m_platform;
+    IDownloadWindowFactory& m_windows;
+
+    bool m_asyncBusy = false;
+    QString m_asyncInput;
+    enmAsyncTaskID m_asyncTask = eNone;
+    enmRadioType m_radioType{};
+    std::shared_ptr<IDownloadWindow> m_window;
+    std::shared_ptr<clsRadio> m_radio;
+    std::shared_ptr<colFiles> m_files;
+    std::shared_ptr<IPort> m_port;
+    bool m_uiMode = false;
+    QString m_downloadLogPath;
+    QString m_configurationLogPath;
+    bool m_stayConnected = false;
+    bool m_creating = true;
+    std::shared_ptr<Cancellation> m_cancellation;
+    std::shared_ptr<clsProtocol> m_Protocol;
+    int m_AsyncTaskTimer = 0; ///< 0 while no task is pending
+};
+
+} // namespace fldc

@@ -1,0 +1,82 @@
+#include "manager/FileOrder.h"
+#include "manager/Operation.h"
+#include "manager/Session.h"
+
+#include "app/services/LogState.h"
+#include "app/services/SettingsStore.h"
+#include "firmware/SRecordReader.h"
+#include "firmware/clsFile.h"
+#include "firmware/colFiles.h"
+#include "platform/IFileService.h"
+#include "shared/DisplayTexts.h"
+
+namespace fldc {
+
+std::int16_t clsDLManager::LoadFiles(const QString& FilesToDL)
+{
+    return LoadFilesEx(FilesToDL, QString(QChar::Null));
+}
+
+std::int16_t clsDLManager::LoadFilesEx(const QString& FilesToDL, const QString& strSeparator)
+{
+    return loadPaths(SplitFileList(FilesToDL, strSeparator), m_uiMode);
+}
+
+void clsDLManager::LoadFilesByPath(const QString& strFilePaths, const QString& strSeparator)
+{
+    (void)loadPaths(splitPaths(strFilePaths, strSeparator), false);
+}
+
+std::int16_t clsDLManager::loadPaths(const QStringList& paths, bool rememberFirst)
+{
+    const OperationScope operation;
+    if (!operation.granted())
+        return refusedResult;
+
+    Session session = beginSession();
+    trap(Trap::ReplaceCode, [&] { loadSteps(session, paths, rememberFirst); });
+    const std::int16_t result = takeResult();
+    showOutcome(session, statusLine(displayText(Text::Ready)));
+    closeLogs(session);
+    EndAsyncTask(eLoadFiles, {});
+    return result;
+}
+
+// The code left is that of the last file: a file that is missing earlier in the list is only left
+// out.
+void clsDLManager::loadSteps(Session& session, const QStringList& paths, bool rememberFirst)
+{
+    session.openDownloadLog();
+    const auto files = std::make_shared<colFiles>();
+    m_files = files;
+    if (rememberFirst)
+        WriteSetting(m_platform.settings, lastFileSetting, paths.value(0));
+    for (const QString& path : paths) {
+        session.window().setStatusPanelStatus(displayText(Text::ValidatingFile));
+        if (m_platform.files.exists(path))
+            readFile(path, files);
+        else
+            lastError().set(Code::FileDoesNotExist);
+    }
+    if (lastError().ok())
+        OrderFilesForDownload(*files);
+}
+
+void clsDLManager::ValidFile(const QString& strFileName)
+{
+    const OperationScope operation;
+    if (!operation.granted())
+        return;
+    if (!m_files)
+        throw PlatformFailure(FailureNumber::ObjectNotSet);
+    readFile(strFileName, m_files);
+}
+
+// Adds the images of one file. What makes a file not valid stands in the log, with its line.
+void clsDLManager::readFile(const QString& path, const std::shared_ptr<colFiles>& files) const
+{
+    if (const auto notValid = SRecordReader(m_platform.files, files).read(path))
+        logDownload(path + QStringLiteral(": ") + notValid->text());
+}
+
+} // namespace fldc

@@ -1,0 +1,171 @@
+#include "manager/Operation.h"
+#include "manager/Session.h"
+
+#include "app/services/LogState.h"
+#include "port/Cancellation.h"
+#include "port/PortEnumeration.h"
+#include "port/clsSerial.h"
+#include "shared/DisplayTexts.h"
+#include "shared/NumberText.h"
+
+namespace fldc {
+
+namespace {
+
+// A window can't be shown while a modal one is open; it then stays as it is, which is no failure.
+bool isModalWindowOpen(const PlatformFailure& failure)
+{
+    return failure.number() == static_cast<int>(FailureNumber::ModalWindowOpen);
+}
+
+} // namespace
+
+// Runs inside itself when the window's port list calls back; that is how a new manager gets its
+// first port.
+std::int16_t clsDLManager::SetPort(const QString& strPort, bool blnUI)
+{
+    if (operationRuns() && !m_creating)
+        return refusedResult;
+
+    // The log opened here stays open, named after the first port chosen.
+    const auto log = logState().download;
+    if (log)
+        log->OpenLogFile(strPort);
+    try {
+        choosePort(strPort, blnUI);
+    } catch (...) {
+        const PlatformFailure failure = currentFailure();
+        if (isModalWindowOpen(failure))
+            lastError().clear();
+        else
+            lastError().setRuntimeError(failure);
+    }
+    const auto result = static_cast<std::int16_t>(lastError().number());
+    if (m_window) {
+        m_window->setStatusPanelStatus(statusLine(displayText(Text::Ready)));
+        m_window->setStatusPanelBaud({});
+    }
+    return result;
+}
+
+void clsDLManager::choosePort(const QString& strPort, bool blnUI)
+{
+    ensureWindow();
+    const std::shared_ptr<IDownloadWindow> window = m_window;
+    window->setUIDisplay(blnUI);
+    m_uiMode = blnUI;
+    showWindow(blnUI);
+
+    if (window->PortExists(strPort)) {
+        const auto control = window->comSerialPort();
+        m_port = std::make_shared<clsSerial>(m_platform, m_cancellation);
+        m_port->setPortType(control);
+        m_port->ClosePort();
+        control->setCommPort(PortNumber(strPort));
+    } else {
+        lastError().set(Code::PortDoesNotExist);
+    }
+    window->SetPortCombo(strPort);
+}
+
+std::int16_t clsDLManager::SetUIMode(bool blnUIMode)
+{
+    try {
+        ensureWindow();
+        m_window->setUIDisplay(blnUIMode);
+        m_uiMode = blnUIMode;
+        if (blnUIMode && m_stayConnected && !operationRuns())
+            closeConnection();
+        if (blnUIMode)
+            m_stayConnected = false;
+        showWindow(blnUIMode);
+    } catch (...) {
+        lastError().set(isModalWindowOpen(currentFailure()) ? Code::Success
+                                                            : Code::PortUnspecified);
+    }
+    return static_cast<std::int16_t>(lastError().number());
+}
+
+void clsDLManager::showWindow(bool blnUI)
+{
+    const std::shared_ptr<IDownloadWindow> window = m_window;
+    if (!blnUI)
+        window->hide();
+    else if (!window->isVisible())
+        window->show();
+}
+
+void clsDLManager::ensureWindow()
+{
+    if (m_window)
+        return;
+    m_window = m_windows.createWindow();
+    m_window->setDownLoadManager(this);
+    m_window->load();
+}
+
+void clsDLManager::ShutDownUiLessMode()
+{
+    if (operationRuns())
+        cancelOperation();
+    const std::shared_ptr<IDownloadWindow> window = std::move(m_window);
+    m_window.reset();
+    if (window)
+        window->unload();
+}
+
+void clsDLManager::SetBaudRate(std::int32_t lngBaudRate)
+{
+    // The first entry is the automatic choice, no rate.
+    IDownloadWindow& list = window();
+    for (std::int32_t index = 1; index < list.baudRateCount(); ++index) {
+        if (readNumber(list.baudRateEntry(index)) == lngBaudRate)
+            list.setBaudRateIndex(index);
+    }
+}
+
+void clsDLManager::setStayConnected(bool blnNew)
+{
+    if (window().UIDisplay() || operationRuns())
+        return;
+    m_stayConnected = blnNew;
+    if (!blnNew)
+        closeConnection();
+}
+
+void clsDLManager::closeConnection()
+{
+    if (m_port)
+        m_port->ClosePort();
+    for (const auto& log : {logState().download, logState().configuration}) {
+        if (log && log->LogFileOpen())
+            log->CloseLogFile();
+    }
+}
+
+void clsDLManager::setAccessLevel(enmAccessLevel level)
+{
+    if (level == DEFAULT_ACCESS)
+        m_Protocol->SetUpgradeMode(0);
+    else if (level == UNLIMITED_ACCESS)
+        m_Protocol->SetUpgradeMode(1);
+}
+
+std::int32_t clsDLManager::ResetRadio()
+{
+    const OperationScope operation;
+    if (!operation.granted())
+        return refusedResult;
+    const Session session = beginSession();
+    session.protocol->RestartRadio(session.window(), session.port());
+    return takeResult();
+}
+
+IDownloadWindow& clsDLManager::window() const
+{
+    if (!m_window)
+        throw PlatformFailure(FailureNumber::ObjectNotSet);
+    return *m_window;
+}
+
+} // namespace fldc

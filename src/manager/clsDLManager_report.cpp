@@ -1,0 +1,43 @@
+#include "manager/Operation.h"
+#include "manager/Session.h"
+
+#include "app/services/LogState.h"
+#include "firmware/colFiles.h"
+#include "shared/DisplayTexts.h"
+
+namespace fldc {
+
+std::int16_t clsDLManager::ReportConfigurations(QString& strFiles)
+{
+    const OperationScope operation;
+    if (!operation.granted())
+        return refusedResult;
+
+    Session session = beginSession();
+    trap(Trap::KeepCode, [&] { reportSteps(session, strFiles); });
+    const std::int16_t result = takeResult();
+    closeSession(session, statusLine(displayText(Text::ConfigurationRead)));
+    m_files.reset();
+    EndAsyncTask(eReportConfigurations, strFiles);
+    return result;
+}
+
+void clsDLManager::reportSteps(Session& session, QString& strFiles)
+{
+    session.openLogs();
+    session.port().OpenPort();
+    m_radio = session.radio = std::make_shared<clsRadio>();
+    m_files = std::make_shared<colFiles>();
+
+    session.protocol->SetUpgradeMode(0);
+    logRadioOn(session);
+    if (!lastError().ok())
+        return;
+
+    logConfiguration(QStringLiteral("Report Configurations..."));
+    session.protocol->GetConfiguration(session.window(), session.port(), *session.radio, strFiles);
+    if (lastError().ok() && !m_stayConnected)
+        session.protocol->RestartRadio(session.window(), session.port());
+}
+
+} // namespace fldc

@@ -1,0 +1,129 @@
+#include "manager/Session.h"
+
+#include "app/services/LogState.h"
+#include "firmware/clsFile.h"
+#include "firmware/colFiles.h"
+#include "platform/IFileService.h"
+#include "port/Cancellation.h"
+
+namespace fldc {
+
+namespace {
+
+// Opens @p log if it is not open; returns it when this call opened it.
+std::shared_ptr<clsLogFile> openIfClosed(const std::shared_ptr<clsLogFile>& log,
+                                         const QString& portName)
+{
+    if (!log || log->LogFileOpen())
+        return nullptr;
+    log->OpenLogFile(portName);
+    return log->LogFileOpen() ? log : nullptr;
+}
+
+// One closing step. Its own failure must not keep the others from running.
+void closingStep(const std::function<void()>& step)
+{
+    try {
+        step();
+    } catch (...) {
+        // What could not be closed is not there to be closed; the outcome is recorded already.
+    }
+}
+
+} // namespace
+
+void clsDLManager::Session::openDownloadLog()
+{
+    downloadLog = openIfClosed(logState().download, port().PortName());
+}
+
+void clsDLManager::Session::openLogs()
+{
+    openDownloadLog();
+    configurationLog = openIfClosed(logState().configuration, port().PortName());
+}
+
+clsDLManager::Session clsDLManager::beginSession()
+{
+    lastError().clear();
+    m_cancellation->reset();
+    Session session;
+    session.heldWindow = m_window;
+    session.heldPort = m_port;
+    session.protocol = m_Protocol;
+    session.radio = m_radio;
+    return session;
+}
+
+// Resets the radio into upgrade mode and sends it the boot application when it asks for one.
+void clsDLManager::logRadioOn(Session& session)
+{
+    QString bootFile;
+    bool bootFileRequired = true;
+    session.protocol->LogRadioIntoUpgradeMode(session.window(), session.port(), bootFile,
+                                              bootFileRequired, m_uiMode);
+    if (lastError().ok() && bootFileRequired)
+        SendBootApplication(session, bootFile);
+}
+
+// The boot application is read apart from the loaded files, so that none of its images is taken for
+// one of them.
+void clsDLManager::SendBootApplication(Session& session, const QString& strFileName)
+{
+    if (!m_platform.files.exists(strFileName)) {
+        lastError().set(Code::FileDoesNotExist);
+        return;
+    }
+    const auto bootFiles = std::make_shared<colFiles>();
+    readFile(strFileName, bootFiles);
+    if (!lastError().ok())
+        return;
+    session.protocol->SendUpgradeApplication(session.window(), session.port(),
+                                             *bootFiles->Item(strFileName));
+}
+
+// An unexpected failure of the steps becomes code 9011.
+void clsDLManager::trap(Trap kind, const std::function<void()>& steps)
+{
+    try {
+        steps();
+    } catch (...) {
+        const PlatformFailure failure = currentFailure();
+        if (kind == Trap::ReplaceCode || lastError().ok())
+            lastError().setRuntimeError(failure);
+    }
+}
+
+std::int16_t clsDLManager::takeResult() const
+{
+    if (m_cancellation->requested() && !lastError().ok())
+        lastError().set(Code::UserCancelled);
+    return static_cast<std::int16_t>(lastError().number());
+}
+
+// Shows the outcome, then closes what the operation opened, unless the connection is kept.
+void clsDLManager::closeSession(Session& session, const QString& statusText)
+{
+    const LastErrorKeeper outcome;
+    showOutcome(session, statusText);
+    if (m_stayConnected)
+        return;
+    closingStep([&] { session.port().ClosePort(); });
+    closeLogs(session);
+}
+
+void clsDLManager::showOutcome(Session& session, const QString& statusText)
+{
+    closingStep([&] { session.window().setStatusPanelStatus(statusText); });
+    closingStep([&] { session.window().setStatusPanelBaud({}); });
+}
+
+void clsDLManager::closeLogs(Session& session)
+{
+    for (const auto& log : {session.downloadLog, session.configurationLog}) {
+        if (log)
+            closingStep([&] { log->CloseLogFile(); });
+    }
+}
+
+} // namespace fldc

@@ -1,0 +1,72 @@
+#include "manager/clsDLManager.h"
+
+#include "manager/Operation.h"
+#include "platform/ITimers.h"
+
+#include <array>
+
+namespace fldc {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+// From the acceptance of a task to its start: long enough for the call to have returned.
+constexpr auto taskDelay = 20ms;
+
+} // namespace
+
+bool clsDLManager::AsyncTaskProcess(enmAsyncTaskID eAsyncTaskID, const QString& strInput)
+{
+    const bool known = eAsyncTaskID == eDownload || eAsyncTaskID == eLoadFiles ||
+                       eAsyncTaskID == eReportConfigurations;
+    if (m_asyncBusy || !known)
+        return false;
+    m_AsyncTaskTimer = m_platform.timers.start(taskDelay, [this] { RunAsyncTask(); });
+    if (m_AsyncTaskTimer == 0)
+        return false;
+    m_asyncTask = eAsyncTaskID;
+    m_asyncInput = strInput;
+    m_asyncBusy = true;
+    return true;
+}
+
+void clsDLManager::RunAsyncTask()
+{
+    // Another manager's operation has the thread: the timer ticks again.
+    if (operationRuns())
+        return;
+    stopTaskTimer();
+    switch (m_asyncTask) {
+    case eDownload:
+        DownLoad(m_asyncInput);
+        break;
+    case eLoadFiles:
+        LoadFiles(m_asyncInput);
+        break;
+    case eReportConfigurations:
+        ReportConfigurations(m_asyncInput);
+        break;
+    case eNone:
+        break;
+    }
+}
+
+// The operations themselves end the task at their very end, also when none started them. The text is
+// a copy: a handler may start the next task, which replaces the input it came from.
+void clsDLManager::EndAsyncTask(enmAsyncTaskID task, QString text)
+{
+    m_asyncBusy = false;
+    m_asyncTask = eNone;
+    stopTaskTimer();
+    if (task == eDownload || task == eReportConfigurations)
+        Q_EMIT ReportConfigurationsUpdate(text);
+}
+
+void clsDLManager::stopTaskTimer()
+{
+    m_platform.timers.stop(m_AsyncTaskTimer);
+    m_AsyncTaskTimer = 0;
+}
+
+} // namespace fldc

@@ -1,0 +1,58 @@
+#include "port/PortEnumeration.h"
+
+#include "platform/IPortListing.h"
+#include "platform/PlatformFailure.h"
+#include "shared/NumberText.h"
+
+namespace fldc {
+
+namespace {
+
+constexpr QStringView namePrefix = u"COM";
+
+QString entryOf(IPortListing& ports, const QString& name)
+{
+    return PortAvailable(ports, name) ? name.trimmed()
+                                      : name.trimmed() + QStringLiteral(" (unavailable)");
+}
+
+} // namespace
+
+std::int32_t GetSerialPorts(IPortListing& ports, QStringList& entries)
+{
+    entries.clear();
+    try {
+        for (const QString& name : ports.portNames()) {
+            if (name.startsWith(namePrefix))
+                entries.append(entryOf(ports, name));
+        }
+    } catch (...) {
+        entries.clear(); // a machine that can't be asked has no ports
+    }
+    const auto count = static_cast<std::int32_t>(entries.size());
+    if (count == 0)
+        entries.append(QStringLiteral("No available ports"));
+    return count;
+}
+
+bool PortAvailable(IPortListing& ports, const QString& name)
+{
+    try {
+        ports.tryOpen(name);
+        return true;
+    } catch (...) {
+        return false;
+    }
+}
+
+std::int32_t PortNumber(const QString& text)
+{
+    if (const auto number = readNumber(text))
+        return *number;
+    const qsizetype colon = text.indexOf(u':');
+    if (colon < namePrefix.size())
+        throw PlatformFailure(FailureNumber::InvalidArgument);
+    return readNumber(QStringView(text).first(colon).sliced(namePrefix.size())).value_or(0);
+}
+
+} // namespace fldc

@@ -1,0 +1,267 @@
+#include "port/clsSerial.h"
+
+#include "app/services/LogState.h"
+#include "platform/IClock.h"
+#include "platform/IEvents.h"
+#include "platform/ISerialControl.h"
+#include "platform/PlatformFailure.h"
+#include "port/Cancellation.h"
+#include "port/ReplyText.h"
+#include "shared/HexText.h"
+#include "shared/LastError.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <span>
+
+namespace fldc {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr std::uint8_t resetByte = 0x5E;
+constexpr auto resetTimeout = 2000ms;
+constexpr int maximumBusyMarks = 50;
+constexpr int unlimited = std::numeric_limits<int>::max();
+
+// The idle time-out restarts with every byte and every busy word, so a radio that never falls
+// silent could hold a read for ever. Nothing that a radio does takes this long.
+constexpr auto longestRead = 15min;
+
+/// What a failure of the control means for an operation of the port.
+struct FailureMeaning {
+    SerialFailure failure;
+    Code code;
+};
+
+constexpr std::array openFailures{
+    FailureMeaning{SerialFailure::PortAlreadyOpen, Code::PortInUse},
+    FailureMeaning{SerialFailure::InvalidPortNumber, Code::PortDoesNotExist},
+};
+
+constexpr std::array closeFailures{
+    FailureMeaning{SerialFailure::DeviceNotOpen, Code::Success},
+    FailureMeaning{SerialFailure::OnlyWhilePortOpen, Code::Success},
+    FailureMeaning{SerialFailure::PortAlreadyOpen, Code::PortInUse},
+};
+
+constexpr std::array writeFailures{
+    FailureMeaning{SerialFailure::OnlyWhilePortOpen, Code::PortInUse},
+    FailureMeaning{SerialFailure::PortAlreadyOpen, Code::PortInUse},
+    FailureMeaning{SerialFailure::InvalidPortNumber, Code::PortDoesNotExist},
+};
+
+// Inside a catch block: records what the failure in flight means; any other one is 15.
+void recordFailure(std::span<const FailureMeaning> meanings)
+{
+    const auto number = static_cast<SerialFailure>(currentFailure().number());
+    const auto found = std::ranges::find(meanings, number, &FailureMeaning::failure);
+    lastError().set(found == meanings.end() ? Code::PortUnspecified : found->code);
+}
+
+} // namespace
+
+clsSerial::clsSerial(const Platform& platform, std::shared_ptr<const Cancellation> cancellation)
+    : m_platform(platform), m_cancellation(std::move(cancellation)), m_timer(m_platform.timers)
+{
+}
+
+QString clsSerial::PortName() const
+{
+    return QString::number(m_control ? m_control->commPort() : 0);
+}
+
+void clsSerial::setPortType(std::shared_ptr<ISerialControl> control)
+{
+    m_control = std::move(control);
+}
+
+void clsSerial::OpenPort()
+{
+    if (cancelled())
+        return;
+    try {
+        m_control->setPortOpen(true);
+        lastError().clear();
+    } catch (...) {
+        recordFailure(openFailures);
+    }
+}
+
+void clsSerial::ClosePort()
+{
+    try {
+        if (m_control->portOpen())
+            m_control->setPortOpen(false);
+        lastError().clear();
+    } catch (...) {
+        recordFailure(closeFailures);
+    }
+}
+
+void clsSerial::SetPortParameters(const QString& strBaudRate, std::int32_t comInputMode)
+{
+    if (cancelled())
+        return;
+    ClosePort();
+    if (!lastError().ok())
+        return;
+    try {
+        m_control->setSettings(strBaudRate + QStringLiteral(",n,8,1"));
+        m_control->setInputMode(comInputMode);
+        m_control->setInputLen(1);
+    } catch (...) {
+        recordFailure({});
+        return;
+    }
+    OpenPort();
+}
+
+void clsSerial::WriteBinary(const QByteArray& bytes)
+{
+    if (cancelled())
+        return;
+    try {
+        m_control->setInBufferCount(0);
+        m_control->output(bytes);
+        logBytes(LogEntryType::Sent, bytes);
+        lastError().clear();
+    } catch (...) {
+        recordFailure(writeFailures);
+    }
+}
+
+void clsSerial::ResetRadio()
+{
+    WriteBinary(QByteArray(1, static_cast<char>(resetByte)));
+}
+
+QString clsSerial::ReadBinary(std::int16_t intTimeout, const QString& strExist,
+                              bool* blnTerminatorFound)
+{
+    const milliseconds timeout(intTimeout);
+    QString text;
+    bool finished = false;
+    if (strExist.size() == 4) {
+        ReplyWords words(strExist);
+        finished = readReply(words, timeout, unlimited);
+        text = words.text();
+        if (finished && words.terminated() && blnTerminatorFound != nullptr)
+            *blnTerminatorFound = true;
+    } else {
+        ReplyBytes bytes(strExist);
+        finished = readReply(bytes, timeout, maximumBusyMarks);
+        text = bytes.text();
+    }
+    if (!finished)
+        return {};
+    logHexText(LogEntryType::Received, text);
+    return text;
+}
+
+// Reads until the reply is finished. The time-out is counted in whole periods: it fails when one
+// passes without a byte. A busy mark starts the period anew.
+template <class Reply>
+bool clsSerial::readReply(Reply& reply, milliseconds timeout, int maximumBusyMarks)
+{
+    if (cancelled() || !m_timer.StartTimer(timeout))
+        return false;
+    try {
+        const auto control = m_control; // a client may give the port another one meanwhile
+        const auto end = m_platform.clock.monotonic() + longestRead;
+        bool dataSeen = false;
+        int busyMarks = 0;
+        while (!reply.finished()) {
+            const auto byte = nextByte(*control);
+            if (cancelled())
+                break;
+            dataSeen |= byte.has_value();
+            const bool busy = byte && reply.take(*byte);
+            if (busy)
+                ++busyMarks;
+            if (busyMarks > maximumBusyMarks || m_platform.clock.monotonic() > end) {
+                lastError().set(Code::MaximumTimeExceeded);
+                break;
+            }
+            if (m_timer.blnTimerExpired() && !std::exchange(dataSeen, false)) {
+                lastError().set(Code::NoResponse);
+                break;
+            }
+            if ((busy || m_timer.blnTimerExpired()) && !m_timer.StartTimer(timeout))
+                break;
+        }
+    } catch (...) {
+        recordFailure({});
+    }
+    m_timer.StopTimer();
+    return lastError().ok();
+}
+
+// One pass of a wait: serves events, and blocks for the next one only when there is nothing to do.
+std::optional<std::uint8_t> clsSerial::nextByte(ISerialControl& control)
+{
+    if (control.inBufferCount() == 0 && !m_timer.blnTimerExpired())
+        m_platform.events.waitForEvents();
+    else
+        m_platform.events.processPending();
+    if (control.inBufferCount() == 0)
+        return std::nullopt;
+    const QByteArray bytes = control.input();
+    return bytes.isEmpty() ? std::nullopt : std::optional(static_cast<std::uint8_t>(bytes.front()));
+}
+
+void clsSerial::WaitForReset(bool& blnUARequired, bool blnAFAF)
+{
+    if (cancelled())
+        return;
+    bool answered = false;
+    if (m_timer.StartTimer(resetTimeout)) {
+        try {
+            answered = waitForStartUpByte(blnUARequired, blnAFAF);
+        } catch (...) {
+            // A line that fails meanwhile is a radio that did not come up.
+        }
+        m_timer.StopTimer();
+    }
+    if (answered)
+        lastError().clear();
+    else if (!cancelled())
+        lastError().set(Code::RadioDidNotReset);
+}
+
+bool clsSerial::waitForStartUpByte(bool& blnUARequired, bool blnAFAF)
+{
+    const auto control = m_control;
+    QString digits;
+    int busyMarks = 0;
+    for (;;) {
+        const auto byte = nextByte(*control);
+        if (byte)
+            appendHex(digits, *byte);
+        if (m_timer.blnTimerExpired() || cancelled())
+            return false;
+        if (digits.contains(QStringLiteral("AEAE"))) {
+            digits.clear();
+            if (++busyMarks > maximumBusyMarks || !m_timer.StartTimer(resetTimeout))
+                return false;
+        }
+        if (digits.contains(QStringLiteral("56")) || digits.contains(QStringLiteral("76")) ||
+            (blnAFAF && digits.contains(QStringLiteral("AFAF")))) {
+            blnUARequired = digits != u"76";
+            return true;
+        }
+    }
+}
+
+// After a cancellation nothing more goes to the radio and nothing is waited for.
+bool clsSerial::cancelled() const
+{
+    if (!m_cancellation->requested())
+        return false;
+    lastError().set(Code::UserCancelled);
+    return true;
+}
+
+} // namespace fldc

@@ -1,0 +1,55 @@
+#pragma once
+
+#include "platform/Platform.h"
+#include "port/IPort.h"
+#include "port/modTimer.h"
+
+#include <chrono>
+#include <memory>
+#include <optional>
+
+namespace fldc {
+
+class Cancellation;
+class ReplyBytes;
+class ReplyWords;
+
+/// The port over a serial line. Drives the line through the control that it is given, which also
+/// keeps port number, speed and open state. Everything written is logged as sent and every
+/// completed read as received.
+///
+/// A wait serves the thread's events and blocks until the next byte or timer. It ends at once with
+/// code 1 after a cancellation, and with 15 when the line fails.
+class clsSerial final : public IPort {
+public:
+    clsSerial(const Platform& platform, std::shared_ptr<const Cancellation> cancellation);
+
+    [[nodiscard]] QString PortName() const override;
+    void OpenPort() override;
+    QString ReadBinary(std::int16_t intTimeout, const QString& strExist,
+                       bool* blnTerminatorFound) override;
+    void WriteBinary(const QByteArray& bytes) override;
+    void ClosePort() override;
+    void SetPortParameters(const QString& strBaudRate, std::int32_t comInputMode) override;
+    void WaitForReset(bool& blnUARequired, bool blnAFAF) override;
+    [[nodiscard]] std::int16_t Step() const override { return 2; }
+    void ResetRadio() override;
+    void setPortType(std::shared_ptr<ISerialControl> control) override;
+    void StopTimer() override { m_timer.StopTimer(); }
+
+private:
+    using milliseconds = std::chrono::milliseconds;
+
+    template <class Reply>
+    [[nodiscard]] bool readReply(Reply& reply, milliseconds timeout, int maximumBusyMarks);
+    [[nodiscard]] bool waitForStartUpByte(bool& blnUARequired, bool blnAFAF);
+    [[nodiscard]] std::optional<std::uint8_t> nextByte(ISerialControl& control);
+    [[nodiscard]] bool cancelled() const;
+
+    Platform m_platform;
+    std::shared_ptr<const Cancellation> m_cancellation;
+    std::shared_ptr<ISerialControl> m_control;
+    modTimer m_timer;
+};
+
+} // namespace fldc

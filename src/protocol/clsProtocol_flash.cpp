@@ -1,0 +1,157 @@
+#include "protocol/clsProtocol.h"
+
+#include "app/services/LogState.h"
+#include "firmware/clsFile.h"
+#include "platform/PlatformFailure.h"
+#include "platform/ShowError.h"
+#include "port/IPort.h"
+#include "protocol/FlashPlan.h"
+#include "protocol/IProtocolEvents.h"
+#include "protocol/IProtocolWindow.h"
+#include "protocol/wire/Frames.h"
+#include "radio/clsRadio.h"
+#include "shared/DisplayTexts.h"
+#include "shared/HexText.h"
+#include "shared/LastError.h"
+#include "shared/NumberText.h"
+
+namespace fldc {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int maximumWriteAttempts = 3;
+constexpr auto flashTimeout = 2000ms;
+
+// A start address, held as decimal text, as the 8 digits that go to the radio.
+QString addressDigits(const QString& decimal)
+{
+    bool isNumber = false;
+    const int address = decimal.toInt(&isNumber);
+    if (!isNumber)
+        throw PlatformFailure(FailureNumber::TypeMismatch);
+    return hexNumber(static_cast<std::uint32_t>(address), 8);
+}
+
+} // namespace
+
+void clsProtocol::EraseFlashBlock(IProtocolWindow& UIForm, IPort& port, clsRadio& radio,
+                                  std::int32_t intIndex)
+{
+    UIForm.setStatusPanelStatus(displayText(Text::ErasingFlash));
+    const auto configuration = radio.Configurations()->Item(intIndex);
+    const std::int16_t number =
+        radio.FlashBlocks()->FindBlock(configuration->ConfigurationAddress());
+    if (number < 0)
+        return;
+    const QByteArray block = wordBytes(static_cast<std::uint16_t>(number));
+    (void)(SendCommand(port, flashTimeout, Command::UnlockFlash, block) &&
+           SendCommand(port, flashTimeout, Command::EraseFlash, block) &&
+           SendCommand(port, flashTimeout, Command::LockFlash, block));
+}
+
+void clsProtocol::WriteDataToFlash(IProtocolWindow& UIForm, IPort& port, const clsFile& CurrentFile,
+                                   const colFlashBlocks& FlashBlocks, std::int32_t lngIndex)
+{
+    const auto status = [&](Text text) { UIForm.setStatusPanelStatus(displayText(text)); };
+
+    UIForm.setFileNameTextBox(CurrentFile.TagName());
+    status(Text::CheckingFile);
+    QByteArray blocks;
+    if (!blockListOf(CurrentFile, FlashBlocks, blocks))
+        return;
+
+    status(Text::UnlockingFlash);
+    if (!SendCommand(port, flashTimeout, Command::UnlockFlash, blocks))
+        return;
+
+    // A block that locks itself in the middle is erased and written again.
+    for (int attempt = 1; attempt <= maximumWriteAttempts; ++attempt) {
+        status(Text::ErasingFlash);
+        if (!SendCommand(port, flashTimeout, Command::EraseFlash, blocks))
+            return;
+        status(Text::DownloadingData);
+        WriteFileData(UIForm, port, CurrentFile, lngIndex);
+        if (!blnFlashLocked)
+            break;
+    }
+    if (!lastError().ok())
+        return;
+
+    status(Text::LockingFlash);
+    (void)SendCommand(port, flashTimeout, Command::LockFlash, blocks);
+}
+
+bool clsProtocol::blockListOf(const clsFile& CurrentFile, const colFlashBlocks& FlashBlocks,
+                              QByteArray& blocks)
+{
+    try {
+        return GetFileBlockList(blocks, CurrentFile, FlashBlocks);
+    } catch (...) {
+        // An incomplete block list must never reach the radio.
+        ShowError(currentFailure());
+        return fail(Code::AddressError);
+    }
+}
+
+void clsProtocol::WriteFileData(IProtocolWindow& UIForm, IPort& port, const clsFile& CurrentFile,
+                                std::int32_t lngIndex)
+{
+    try {
+        const ChunkTotals totals = estimateChunks(CurrentFile);
+        Progress progress{lngIndex, CurrentFile.TagName(), totals.compressed};
+        const auto tables = CurrentFile.Definitiontables();
+        for (std::int32_t i = 0; i < tables->Count(); ++i) {
+            const auto data = tables->Datablocks(i);
+            bool compressed = data->CompressedCount() > 0;
+            if (!setFlashAddress(port, addressDigits(tables->Address(i)), compressed))
+                return;
+            if (!compressed)
+                progress.total = totals.plain;
+            if (!writeChunks(UIForm, port, *data, compressed, progress))
+                return;
+        }
+        UIForm.setProgressBar(100);
+        lastError().clear();
+    } catch (...) {
+        lastError().set(Code::DataError);
+    }
+}
+
+// Tells the radio where the table starts. @p compressed: in, the table has compressed data; out, it
+// is to be sent compressed, which a radio that does not know the command can't take.
+bool clsProtocol::setFlashAddress(IPort& port, const QString& digits, bool& compressed)
+{
+    const QByteArray address = HexToBytes(digits);
+    if (compressed && !SendCommand(port, flashTimeout, Command::SetFlashAddressInflate, address)) {
+        if (lastError().code() != Code::CommandNotRecognised)
+            return false;
+        compressed = false;
+    }
+    if (!compressed && !SendCommand(port, flashTimeout, Command::SetFlashAddress, address))
+        return false;
+    logDownload(QStringLiteral("Address:") + digits);
+    return true;
+}
+
+bool clsProtocol::writeChunks(IProtocolWindow& UIForm, IPort& port, colDataBlocks& data,
+                              bool compressed, Progress& progress)
+{
+    const Command write = compressed ? Command::WriteFlashDataInflate : Command::WriteFlashData;
+    data.setReadPosition(0);
+    QByteArray chunk;
+    for (auto length = static_cast<std::int32_t>(maximumFrameData);
+         data.GetNextChunk(length, compressed, chunk);
+         length = static_cast<std::int32_t>(maximumFrameData)) {
+        ++progress.chunks;
+        const std::int32_t percentage = divideRounded(100LL * progress.chunks, progress.total);
+        UIForm.setProgressBar(static_cast<std::int16_t>(percentage));
+        m_events.onDownloadProgress(percentage, progress.fileName, progress.fileIndex);
+        if (!SendCommand(port, flashTimeout, write, chunk))
+            return false;
+    }
+    return true;
+}
+
+} // namespace fldc

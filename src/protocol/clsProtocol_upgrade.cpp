@@ -1,0 +1,238 @@
+#include "protocol/clsProtocol.h"
+
+#include "app/services/LogState.h"
+#include "firmware/clsFile.h"
+#include "platform/IClock.h"
+#include "platform/IEvents.h"
+#include "platform/IProgramInfo.h"
+#include "platform/Platform.h"
+#include "platform/PlatformFailure.h"
+#include "port/IPort.h"
+#include "protocol/IProtocolEvents.h"
+#include "protocol/IProtocolWindow.h"
+#include "protocol/IWaitDialog.h"
+#include "protocol/UpgradeState.h"
+#include "protocol/wire/BootFiles.h"
+#include "protocol/wire/Frames.h"
+#include "protocol/wire/LineSpeeds.h"
+#include "shared/DisplayTexts.h"
+#include "shared/LastError.h"
+#include "shared/NumberText.h"
+
+namespace fldc {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr auto normalLogOn = u"7E";
+constexpr auto specialLogOn = u"3C5E23";
+
+// A full wait of the port for the start-up byte takes 2 seconds. One that ends much earlier without
+// an answer was not silence but a line that failed.
+constexpr auto shortestSilence = 1500ms;
+
+// Sets the line to @p speed; false when the port failed.
+bool setSpeed(IPort& port, std::uint32_t speed)
+{
+    port.SetPortParameters(QString::number(speed), binaryInput);
+    return lastError().ok();
+}
+
+} // namespace
+
+void clsProtocol::SetUpgradeMode(std::int16_t Value)
+{
+    upgradeState().lngUpgradeMode = Value != 0 ? 10 : 0;
+}
+
+void clsProtocol::LogRadioIntoUpgradeMode(IProtocolWindow& UIForm, IPort& port, QString& strUAFile,
+                                          bool& blnUARequired, bool blnUIMode)
+{
+    UIForm.setStatusPanelStatus(displayText(Text::ResettingRadio));
+    bool blnInUpgradeMode = false;
+    ResetAndWaitForRadio(port, blnUARequired, blnInUpgradeMode, blnUIMode);
+    if (!lastError().ok() || blnInUpgradeMode)
+        return;
+
+    port.WriteBinary(
+        HexToBytes(QStringView(upgradeState().special() ? specialLogOn : normalLogOn)));
+    if (!lastError().ok())
+        return;
+
+    const QString identifier = port.ReadBinary(2000, QStringLiteral("2A"));
+    if (!lastError().ok()) {
+        lastError().set(Code::RadioDidNotLogOn);
+        return;
+    }
+
+    // "?" behind the identifier: the radio's own software takes part.
+    (void)port.ReadBinary(750, QStringLiteral("3F"));
+    const bool ownSoftware = lastError().ok();
+    if (blnUARequired && !ownSoftware) {
+        if (chooseBootFile(identifier, strUAFile))
+            lastError().clear();
+        return;
+    }
+    blnUARequired = false;
+    (void)port.ReadBinary(2000, QStringLiteral("AFAF"));
+}
+
+bool clsProtocol::chooseBootFile(QStringView identifierDigits, QString& strUAFile) const
+{
+    const QString identifier = QString::fromLatin1(HexToBytes(identifierDigits));
+    const qsizetype star = identifier.indexOf(u'*');
+    if (star < 0)
+        return fail(Code::RadioDidNotLogOn);
+    const QString sixCharacters = star >= 6 ? identifier.mid(star - 5, 6) : identifier;
+    strUAFile = m_platform.program.folder() + u'\\' + bootFileFor(sixCharacters);
+    return true;
+}
+
+void clsProtocol::ResetAndWaitForRadio(IPort& port, bool& blnUARequired, bool& blnInUpgradeMode,
+                                       bool blnUIMode)
+{
+    try {
+        blnUARequired = false;
+        upgradeState().blnF1KeyRequired = false;
+        if (!setSpeed(port, 19200))
+            return;
+        if (!upgradeState().special() && resetAtEitherSpeed(port, blnUARequired))
+            return;
+        // The port failed, or the radio is silent: then it may be in upgrade mode already.
+        if (!lastError().ok() && lastError().code() != Code::RadioDidNotReset)
+            return;
+
+        const bool powerCycle = upgradeState().special() || upgradeState().blnF1KeyRequired;
+        if (powerCycle && !waitForPowerCycle(port, blnUARequired, blnUIMode))
+            return;
+        if (!upgradeState().blnF1KeyRequired && lastError().ok())
+            return;
+        FindRadioBaudRate(port, blnUARequired, blnInUpgradeMode);
+    } catch (...) {
+        lastError().setRuntimeError(currentFailure());
+    }
+}
+
+// True when the radio answered the reset at 19200 baud. Else the last error is 21 (silent at 9600
+// too), 0 (it answered at 9600: it needs a power cycle with its F1 key) or the port's.
+bool clsProtocol::resetAtEitherSpeed(IPort& port, bool& blnUARequired)
+{
+    port.ResetRadio();
+    port.WaitForReset(blnUARequired, false);
+    if (lastError().ok())
+        return true;
+
+    if (!setSpeed(port, 9600))
+        return false;
+    m_platform.events.pause(500ms);
+    port.ResetRadio();
+    port.WaitForReset(blnUARequired, false);
+    const bool answered = lastError().ok();
+    upgradeState().blnF1KeyRequired = answered;
+    if (setSpeed(port, 19200) && !answered)
+        lastError().set(Code::RadioDidNotReset);
+    return false;
+}
+
+// False when the operation ends here: the user gave up (1), nobody power-cycled the radio in time
+// (21), or the port failed.
+bool clsProtocol::waitForPowerCycle(IPort& port, bool& blnUARequired, bool blnUIMode)
+{
+    return blnUIMode ? waitForPowerCycleByUser(port, blnUARequired)
+                     : waitForPowerCycleUnattended(port, blnUARequired);
+}
+
+bool clsProtocol::waitForPowerCycleByUser(IPort& port, bool& blnUARequired)
+{
+    const auto dialog = m_dialogs.createWaitDialog();
+    dialog->Show();
+    dialog->SetMessage(
+        upgradeState().blnF1KeyRequired
+            ? QStringLiteral("Please hold the F1 Key and Power Cycle the Radio to continue ...")
+            : QStringLiteral("Please Power Cycle the Radio to continue ..."));
+    while (radioStillSilent(port, blnUARequired) && !dialog->IsCancelled()) {
+    }
+    dialog->Hide();
+    port.StopTimer();
+    if (dialog->IsCancelled())
+        return fail(Code::UserCancelled);
+    return lastError().ok();
+}
+
+bool clsProtocol::waitForPowerCycleUnattended(IPort& port, bool& blnUARequired)
+{
+    m_events.onPowerCycleRequired();
+    const IClock& clock = m_platform.clock;
+    const auto end = clock.monotonic() + m_platform.program.powerCycleLimit();
+    while (radioStillSilent(port, blnUARequired) && clock.monotonic() < end) {
+    }
+    port.StopTimer();
+    return lastError().ok();
+}
+
+// One wait of 2 seconds for the radio's start-up byte. A line that failed meanwhile (an adapter
+// that loses its power with the radio) is opened again; when that fails too, the port's code ends
+// the waiting.
+bool clsProtocol::radioStillSilent(IPort& port, bool& blnUARequired)
+{
+    const auto start = m_platform.clock.monotonic();
+    port.WaitForReset(blnUARequired, upgradeState().blnF1KeyRequired);
+    if (lastError().code() != Code::RadioDidNotReset)
+        return false;
+    if (m_platform.clock.monotonic() - start >= shortestSilence)
+        return true;
+    if (!setSpeed(port, 19200))
+        return false;
+    m_platform.events.pause(500ms);
+    lastError().set(Code::RadioDidNotReset);
+    return true;
+}
+
+void clsProtocol::FindRadioBaudRate(IPort& port, bool& blnUARequired, bool& blnInUpgradeMode)
+{
+    for (const std::uint32_t speed : lineSpeeds) {
+        if (!setSpeed(port, speed) || !SendCommand(port, 0ms, Command::ConfirmReady))
+            return;
+        m_platform.events.pause(500ms);
+        strReply = port.ReadBinary(500, QStringLiteral("AFAF"));
+        if (lastError().ok()) {
+            blnInUpgradeMode = true;
+            blnUARequired = false;
+            return;
+        }
+    }
+}
+
+void clsProtocol::SendUpgradeApplication(IProtocolWindow& UIForm, IPort& port,
+                                         const clsFile& objFile)
+{
+    UIForm.setFileNameTextBox(QStringLiteral("Upgrade Application"));
+    UIForm.setStatusPanelStatus(displayText(Text::DownloadingUpgradeApplication));
+    UIForm.setFileNameTextBox(QStringLiteral("Upgrade Application - ") + objFile.TagName());
+    logDownload(QStringLiteral("Using boot file : ") + objFile.TagName());
+    UIForm.setStatusPanelBaud(QStringLiteral("19200"));
+    UIForm.ResetProgessBar();
+    m_platform.events.processPending();
+
+    // Raw bytes, one at a time: the radio's boot loader knows no frames yet.
+    const auto data = objFile.Definitiontables()->Datablocks(0);
+    const std::int32_t count = data->Count();
+    std::int32_t shown = 0;
+    for (std::int32_t i = 0; i < count; ++i) {
+        port.WriteBinary(QByteArray(1, static_cast<char>(data->ByteAt(i))));
+        if (!lastError().ok())
+            return;
+        const std::int32_t percentage = divideRounded(100LL * (i + 1), count);
+        UIForm.setProgressBar(static_cast<std::int16_t>(percentage));
+        if (percentage != shown) {
+            shown = percentage;
+            m_platform.events.processPending(); // repaints, and a cancel
+        }
+    }
+
+    logDownload(QStringLiteral("Send Upgrade Application... "));
+    (void)port.ReadBinary(2000, QStringLiteral("AFAF"));
+}
+
+} // namespace fldc

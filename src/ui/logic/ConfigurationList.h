@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QString>
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace fldc {
+
+class colConfigurations;
+
+/// Whether a row of the configuration list can be erased, and whether the user has marked it.
+enum class RowMark { None, Erasable, Marked };
+
+struct ConfigurationRow {
+    std::array<QString, 5> texts; ///< one per column
+    bool statusIsFault = false;   ///< shown in red
+    RowMark mark = RowMark::None;
+};
+
+/// The rows of the configuration list, in the order of the radio's configurations: row n (from 1)
+/// is the n-th configuration, which the erase list relies on.
+class ConfigurationList {
+public:
+    static constexpr std::size_t columnCount = 5;
+    [[nodiscard]] static const std::array<QString, columnCount>& columnTitles();
+
+    /// @p blnF1KeyRequired: the radio shows only its types and codes.
+    void fill(const colConfigurations& configurations, bool blnF1KeyRequired);
+
+    [[nodiscard]] const std::vector<ConfigurationRow>& rows() const { return m_rows; }
+    /// Widths in twips for a list @p listWidth twips wide; 0 hides a column.
+    [[nodiscard]] std::array<int, columnCount> columnWidths(int listWidth) const;
+
+    /// Marks or unmarks the row at @p index (from 0); one that can't be erased does not change.
+    void toggleMark(std::size_t index);
+    [[nodiscard]] bool anyMarked() const;
+    /// Positions of the marked rows, from 1, each followed by "|": "2|5|".
+    [[nodiscard]] QString eraseList() const;
+
+private:
+    enum class Layout { AllColumns, TypeCodeStatus, TypeCode };
+
+    std::vector<ConfigurationRow> m_rows;
+    Layout m_layout = Layout::AllColumns;
+};
+
+/// Display name of a hardware code, by its first four characters; empty for others.
+[[nodiscard]] QString ConvertTargetHW(const QString& strHardwareId);
+/// Text of a configuration's status number.
+[[nodiscard]] QString StatusText(std::int32_t status);
+
+} // namespace fldc

@@ -1,0 +1,203 @@
+#include "ui/logic/DownloadWindow.h"
+
+#include "app/services/LogState.h"
+#include "manager/clsDLManager.h"
+#include "platform/IProgramInfo.h"
+#include "platform/ISerialControl.h"
+#include "platform/Platform.h"
+#include "port/PortEnumeration.h"
+#include "protocol/UpgradeState.h"
+#include "shared/DisplayTexts.h"
+#include "shared/NumberText.h"
+
+#include <algorithm>
+#include <array>
+
+namespace fldc {
+
+namespace {
+
+constexpr std::array baudRates{u"Auto", u"115200", u"19200", u"9600", u"57600"};
+
+QString twoDigits(int number)
+{
+    return QString::number(number).rightJustified(2, u'0');
+}
+
+// "Kelvane Download Component (1.21.00.00)"
+QString captionText(const ProgramVersion& version, bool logging)
+{
+    return displayText(Text::ProductName) + QStringLiteral(" (") + QString::number(version.major) +
+           u'.' + twoDigits(version.minor) + QStringLiteral(".00.") + twoDigits(version.revision) +
+           u')' + (logging ? QStringLiteral(" - Debug") : QString());
+}
+
+} // namespace
+
+DownloadWindow::DownloadWindow(const Platform& platform, ViewFactory makeView)
+    : m_platform(platform), m_makeView(std::move(makeView)),
+      m_control(platform.serialControls.create())
+{
+}
+
+DownloadWindow::~DownloadWindow() = default;
+
+void DownloadWindow::addObserver(IWindowObserver& observer)
+{
+    m_observers.push_back(&observer);
+}
+
+void DownloadWindow::removeObserver(IWindowObserver& observer)
+{
+    std::erase(m_observers, &observer);
+}
+
+void DownloadWindow::changed(WindowPart part)
+{
+    if (m_view)
+        m_view->windowChanged(part);
+    for (IWindowObserver* observer : m_observers)
+        observer->windowChanged(part);
+}
+
+void DownloadWindow::load()
+{
+    if (m_loaded)
+        return;
+    m_loaded = true;
+    if (GetSerialPorts(m_platform.ports, m_ports) == 0)
+        m_ports = QStringList(QStringLiteral("No available COM ports"));
+    selectPort(0);
+    m_caption = captionText(m_platform.program.version(), logState().enabled);
+    setStatusPanelTag(displayText(Text::Status));
+    m_accessLevelVisible = logState().enabled;
+    setBaudRateIndex(0);
+}
+
+void DownloadWindow::show()
+{
+    load();
+    if (!m_view && m_makeView)
+        m_view = m_makeView(*this);
+    if (m_view)
+        m_view->showView();
+    m_visible = true;
+}
+
+void DownloadWindow::hide()
+{
+    if (m_view)
+        m_view->hideView();
+    m_visible = false;
+}
+
+void DownloadWindow::unload()
+{
+    hide();
+    clsDLManager* manager = m_DLManager;
+    m_DLManager = nullptr;
+    if (manager != nullptr)
+        manager->ReleaseWindow();
+}
+
+void DownloadWindow::selectPort(int index)
+{
+    if (index == m_portIndex)
+        return;
+    m_portIndex = index;
+    changed(WindowPart::Ports);
+    if (m_DLManager != nullptr && index >= 0)
+        m_DLManager->SetPort(m_ports.at(index), m_uiDisplay);
+}
+
+bool DownloadWindow::PortExists(const QString& strPort) const
+{
+    const bool isNumber = readNumber(strPort).has_value();
+    return std::ranges::any_of(m_ports, [&](const QString& entry) {
+        return isNumber ? QString::number(PortNumber(entry)) == strPort : entry == strPort;
+    });
+}
+
+void DownloadWindow::SetPortCombo(const QString& strPort)
+{
+    const auto number = readNumber(strPort);
+    const auto found = std::ranges::find_if(m_ports, [&](const QString& entry) {
+        return number ? PortNumber(entry) == *number : entry == strPort;
+    });
+    if (found != m_ports.end())
+        selectPort(static_cast<int>(found - m_ports.begin()));
+}
+
+std::int32_t DownloadWindow::baudRateCount() const
+{
+    return static_cast<std::int32_t>(baudRates.size());
+}
+
+QString DownloadWindow::baudRateEntry(std::int32_t index) const
+{
+    return QString::fromUtf16(baudRates.at(static_cast<std::size_t>(index)));
+}
+
+void DownloadWindow::setBaudRateIndex(std::int32_t index)
+{
+    if (index == m_baudRateIndex)
+        return;
+    m_baudRateIndex = index;
+    changed(WindowPart::BaudRate);
+}
+
+void DownloadWindow::setAccessLevelChecked(bool checked)
+{
+    if (checked == m_accessLevelChecked)
+        return;
+    m_accessLevelChecked = checked;
+    changed(WindowPart::AccessLevel);
+}
+
+void DownloadWindow::setStatusPanelTag(const QString& strData)
+{
+    m_tag = strData.isEmpty() ? displayText(Text::StatusColumn) : strData;
+    changed(WindowPart::Status);
+}
+
+void DownloadWindow::setStatusPanelStatus(const QString& strData)
+{
+    m_status = strData.isEmpty() ? displayText(Text::Ready) : strData;
+    changed(WindowPart::Status);
+    logDownload(m_status);
+}
+
+void DownloadWindow::setStatusPanelBaud(const QString& strData)
+{
+    m_baud = strData.isEmpty() ? displayText(Text::NotConnected) : strData;
+    changed(WindowPart::Status);
+}
+
+void DownloadWindow::setFileNameTextBox(const QString& strData)
+{
+    m_fileName = strData;
+    changed(WindowPart::FileName);
+}
+
+void DownloadWindow::setProgressBar(std::int16_t intValue)
+{
+    const int progress = std::clamp<int>(intValue, 0, 100);
+    if (progress == m_progress)
+        return;
+    m_progress = progress;
+    changed(WindowPart::Progress);
+}
+
+void DownloadWindow::ResetProgessBar()
+{
+    setProgressBar(0);
+}
+
+void DownloadWindow::UpdateLabels(const colConfigurations& configurations)
+{
+    setFileNameTextBox({});
+    m_configurations.fill(configurations, upgradeState().blnF1KeyRequired);
+    changed(WindowPart::Configurations);
+}
+
+} // namespace fldc

@@ -1,0 +1,76 @@
+#include "app/CommandLine.h"
+
+#include "platform/PlatformFailure.h"
+
+#include <gtest/gtest.h>
+
+namespace fldc {
+namespace {
+
+struct Case {
+    const char* text;
+    SwitchTable expected;
+};
+
+TEST(CommandLine, SplitsAtEverySlash)
+{
+    const Case cases[]{
+        {"", {}},
+        {"/?", {{u'?', QStringLiteral("?")}}},
+        {"/? /f a.srec /f b.srec", {{u'?', QStringLiteral("?")}}},
+        {"/f a.srec /?", {{u'f', QStringLiteral("a.srec")}, {u'?', QStringLiteral("?")}}},
+        {"/p 1 /r 2 /f  a b.srec ",
+         {{u'p', QStringLiteral("1")},
+          {u'r', QStringLiteral("2")},
+          {u'f', QStringLiteral("a b.srec")}}},
+        {"/f \"C:\\my fw\",\"a.srec\"", {{u'f', QStringLiteral("C:\\my fw,a.srec")}}},
+        {"/g anything", {{u'g', QStringLiteral("g")}}},
+        {"/F a.srec", {}},
+        {"/x 1 /f a", {{u'f', QStringLiteral("a")}}},
+        {"f a.srec", {{u'f', QStringLiteral("a.srec")}}}, // the text before the first slash counts
+        {"/f /home/me/a.srec", {{u'f', QString()}}},      // slashes can't be part of a path
+        {"/p", {{u'p', QString()}}},
+    };
+    for (const Case& each : cases)
+        EXPECT_EQ(ParseCommandLine(QString::fromUtf8(each.text)), each.expected) << each.text;
+}
+
+TEST(CommandLine, RefusesASwitchGivenTwice)
+{
+    for (const char* text : {"/f a /f b", "/g /g", "/p 1 /r 1 /p"})
+        EXPECT_THROW((void)ParseCommandLine(QString::fromUtf8(text)), PlatformFailure) << text;
+}
+
+TEST(CommandLine, AnEmptyValueCountsAsAbsent)
+{
+    const SwitchTable table = ParseCommandLine(QStringLiteral("/f /p 1"));
+    EXPECT_FALSE(SwitchPresent(table, u'f'));
+    EXPECT_TRUE(SwitchPresent(table, u'p'));
+    EXPECT_FALSE(SwitchPresent(table, u'r'));
+}
+
+TEST(CommandLine, NumbersAreSixteenBit)
+{
+    const auto number = [](const char* value) {
+        return switchNumber({{u'p', QString::fromUtf8(value)}}, u'p');
+    };
+    EXPECT_EQ(number("01"), 1);
+    EXPECT_EQ(number(" -32768 "), -32768);
+    EXPECT_EQ(number("2.5"), 2);
+    for (const char* wrong : {"x", "1x", "32768", "", "--1", "1e3"})
+        EXPECT_THROW((void)number(wrong), PlatformFailure) << wrong;
+}
+
+TEST(CommandLine, UsageNamesEverySwitchAndRadio)
+{
+    const QString usage = usageText();
+    EXPECT_TRUE(
+        usage.startsWith(QStringLiteral("RV4100_FLDC Usage\r\n\r\nNo arguments:\r\n     Start")));
+    EXPECT_TRUE(
+        usage.endsWith(QStringLiteral("'/r 1' where\r\n        1 = RV4100\r\n        2 = RV4200\r\n"
+                                      "        3 = RV6100\r\n        4 = RH6100")));
+    EXPECT_EQ(usage.count(QStringLiteral("\r\n")), 22);
+}
+
+} // namespace
+} // namespace fldc
