@@ -1,0 +1,73 @@
+#pragma once
+
+#include "firmware/DecodedRecord.h"
+#include "firmware/SRecordLine.h"
+#include "firmware/clsFile.h"
+
+#include <QByteArrayView>
+#include <QString>
+
+#include <cstdint>
+#include <limits>
+#include <memory>
+
+namespace fldc {
+
+class TextLines;
+
+enum class Compression {
+    Zlib, ///< each run of addresses gets a compressed copy where that is smaller
+    None, ///< the radio will be sent the plain bytes
+};
+
+/// The types of record that carry data, each with what belongs to it.
+struct DataRecordType {
+    QByteArrayView type;
+    QByteArrayView terminator;
+    int addressDigits;
+};
+
+/// The data record type of that name; null when there is none.
+[[nodiscard]] const DataRecordType* dataRecordType(QByteArrayView type);
+
+/// Reads the data records of one image into the definition tables of its object: a new table, with
+/// its own data, wherever a record's address does not continue the one before.
+class SRecordImage {
+public:
+    SRecordImage(std::shared_ptr<clsFile> file, const DataRecordType& type,
+                 Compression compression);
+
+    /// Reads from the present line of @p lines, a data record, up to the terminator record, which
+    /// becomes the present line. False when the data are not valid: reason() says why. May also
+    /// throw PlatformFailure.
+    [[nodiscard]] bool read(TextLines& lines);
+    [[nodiscard]] const QString& reason() const { return m_reason; }
+
+private:
+    [[nodiscard]] bool addLine(const SRecordLine& line);
+    [[nodiscard]] bool addText(const QString& digits);
+    [[nodiscard]] bool addDecoded(DecodedRecord& record);
+    [[nodiscard]] bool isComplete(DecodedRecord& record) const;
+    [[nodiscard]] bool startRecord(std::int32_t address);
+    [[nodiscard]] bool startTable(std::int32_t address);
+    void endRecord(std::int32_t address, std::int32_t units);
+    [[nodiscard]] bool finishData();
+    [[nodiscard]] bool finish();
+    void setLength(std::int64_t units);
+    [[nodiscard]] bool reject(const QString& reason);
+
+    std::shared_ptr<clsFile> m_file;
+    const DataRecordType& m_type;
+    Compression m_compression;
+    int m_unitBytes;
+    bool m_padsOddAddress;
+
+    std::int32_t m_nextAddress = std::numeric_limits<std::int32_t>::max();
+    std::shared_ptr<colDataBlocks> m_data; ///< of the present table
+    std::int64_t m_units = 0;              ///< of the present table
+    bool m_pad = false;                    ///< the next record gets a unit in front of it
+    DecodedRecord m_record;
+    QString m_reason;
+};
+
+} // namespace fldc

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "firmware/SRecordImage.h"
+#include "firmware/colFiles.h"
+
+#include <QByteArrayView>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace fldc {
+
+class IFileService;
+class SRecordLine;
+class TextLines;
+
+/// Why a firmware file was not accepted.
+struct NotValid {
+    qint64 line = 0; ///< from 1; 0 when no line was read
+    QString reason;  ///< in plain words
+
+    /// "line 12: an empty line inside the data"
+    [[nodiscard]] QString text() const;
+};
+
+/// Reads a firmware file: Motorola S-records with header lines of the system's own, one or several
+/// images one after another.
+///
+///     //, CI        comment, ignored
+///     DW 16         width of a data unit in bits: 8, 16 or 32
+///     MD "HW", 2    hardware that the next image may be written to, and its device number
+///     S0...         starts an image; its text is the image's tag
+///     S1, S2, S3    data, ended by S9, S8, S7 respectively
+///
+/// Without a DW line units are 16 bits wide, or 8 when the header text contains "JWA2". Addresses
+/// count units. Checksums are not verified. Nothing but records of its one type may stand inside
+/// an image's data.
+class SRecordReader {
+public:
+    /// Images read are added to @p images. @p files must outlive the object.
+    SRecordReader(IFileService& files, std::shared_ptr<colFiles> images,
+                  Compression compression = Compression::Zlib);
+
+    /// Reads the file: the first image is added under @p path, each further one under the name of
+    /// the one before with "1" appended. Records 0 as the last error when the file is valid, else
+    /// 34, and returns why; what has been added by then stays. Never throws.
+    std::optional<NotValid> read(const QString& path);
+
+private:
+    struct LineKind;
+    /// What has been collected for the image to come, or the one begun.
+    struct Header {
+        bool seen = false; ///< its S0 record
+        std::int16_t unitBits = 0;
+        QString hardwares;
+        QString devices;
+        QString latestHardware;
+    };
+
+    [[nodiscard]] bool readLines(TextLines& lines);
+    [[nodiscard]] bool ignoreLine(TextLines& lines);
+    [[nodiscard]] bool readTarget(TextLines& lines);
+    [[nodiscard]] bool readWidth(TextLines& lines);
+    [[nodiscard]] bool readHeader(TextLines& lines);
+    [[nodiscard]] bool readData(TextLines& lines);
+    [[nodiscard]] bool reject(const QString& reason);
+
+    IFileService& m_files;
+    std::shared_ptr<colFiles> m_images;
+    Compression m_compression;
+
+    QString m_imageName;
+    bool m_completed = false; ///< the latest image reached its terminator record
+    Header m_header;
+    QString m_reason;
+};
+
+} // namespace fldc

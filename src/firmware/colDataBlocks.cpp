@@ -1,0 +1,156 @@
+#include "firmware/colDataBlocks.h"
+
+#include "platform/PlatformFailure.h"
+#include "shared/HexText.h"
+
+#include <algorithm>
+#include <cstring>
+#include <limits>
+
+#include <zlib.h>
+
+namespace fldc {
+
+namespace {
+
+// Room that a collection has beyond its bytes whenever it grows, and that an empty one starts with.
+constexpr qsizetype spareRoom = 513;
+constexpr qsizetype maximumSize = std::numeric_limits<std::int32_t>::max() - 1;
+
+// Half of a number, halves rounded to the even neighbour: 3 gives 2, 5 gives 2.
+constexpr qsizetype halfRoundedToEven(qsizetype number)
+{
+    return number / 2 + (number % 4 == 3 ? 1 : 0);
+}
+
+std::uint8_t byteOf(QStringView digits)
+{
+    int value = 0;
+    for (const QChar digit : digits) {
+        const int digitValue = hexDigit(digit.unicode());
+        if (digitValue < 0)
+            throw PlatformFailure(FailureNumber::TypeMismatch);
+        value = value * 16 + digitValue;
+    }
+    return static_cast<std::uint8_t>(value);
+}
+
+} // namespace
+
+colDataBlocks::colDataBlocks() : m_data(spareRoom, '\0') {}
+
+void colDataBlocks::Add(QStringView strData)
+{
+    const qsizetype added = halfRoundedToEven(strData.size());
+    std::uint8_t* const to = roomFor(added);
+    for (qsizetype j = 0; j < added; ++j)
+        to[j] = byteOf(strData.mid(2 * j, 2));
+    m_count += static_cast<std::int32_t>(added);
+}
+
+void colDataBlocks::AddBytes(std::span<const std::uint8_t> bytes)
+{
+    if (bytes.empty())
+        return;
+    std::memcpy(roomFor(std::ssize(bytes)), bytes.data(), bytes.size());
+    m_count += static_cast<std::int32_t>(bytes.size());
+}
+
+// Where @p bytes more bytes go. The array's visible size grows in steps that leave spareRoom zero
+// bytes; QByteArray keeps the memory behind it growing geometrically.
+std::uint8_t* colDataBlocks::roomFor(qsizetype bytes)
+{
+    const qsizetype needed = m_count + bytes;
+    const qsizetype present = m_data.size();
+    const qsizetype capacity = m_count == 0 ? 0 : present;
+    if (needed > capacity) {
+        if (needed > maximumSize - spareRoom)
+            throw PlatformFailure(FailureNumber::Overflow);
+        m_data.resize(needed + spareRoom);
+        if (m_data.size() > present)
+            std::fill(m_data.begin() + present, m_data.end(), '\0');
+    }
+    return reinterpret_cast<std::uint8_t*>(m_data.data()) + m_count;
+}
+
+QString colDataBlocks::Item(std::int32_t lngIndex) const
+{
+    return hexNumber(ByteAt(lngIndex), 2);
+}
+
+QString colDataBlocks::GetAllData() const
+{
+    return bytesToHex(QByteArray::fromRawData(m_data.constData(), m_count));
+}
+
+std::uint8_t colDataBlocks::ByteAt(std::int32_t lngIndex) const
+{
+    if (lngIndex < 0 || lngIndex >= m_count)
+        throw PlatformFailure(FailureNumber::InvalidArgument);
+    return static_cast<std::uint8_t>(m_data[lngIndex]);
+}
+
+std::span<const std::uint8_t> colDataBlocks::bytes() const
+{
+    return {reinterpret_cast<const std::uint8_t*>(m_data.constData()),
+            static_cast<std::size_t>(m_data.size())};
+}
+
+void colDataBlocks::CompressData()
+{
+    trim();
+    // A destination no larger than the data: what does not get smaller is not worth sending.
+    QByteArray packed(m_count, Qt::Uninitialized);
+    auto packedSize = static_cast<uLongf>(m_count);
+    const int result =
+        compress(reinterpret_cast<Bytef*>(packed.data()), &packedSize,
+                 reinterpret_cast<const Bytef*>(m_data.constData()), static_cast<uLong>(m_count));
+    if (result == Z_OK) {
+        packed.truncate(static_cast<qsizetype>(packedSize));
+        if (packed.size() % 2 != 0)
+            packed.append('\0');
+        packed.squeeze();
+        m_compressed = packed;
+        m_compressedCount = static_cast<std::int32_t>(packed.size());
+    }
+    padToEven();
+}
+
+void colDataBlocks::FinishUncompressed()
+{
+    trim();
+    padToEven();
+}
+
+void colDataBlocks::trim()
+{
+    if (m_count == 0)
+        throw PlatformFailure(FailureNumber::IndexOutOfRange);
+    m_data.resize(m_count);
+    m_compressed.clear();
+    m_compressedCount = -1;
+}
+
+void colDataBlocks::padToEven()
+{
+    if (m_count % 2 != 0)
+        m_data.append('\0');
+    m_data.squeeze();
+}
+
+bool colDataBlocks::GetNextChunk(std::int32_t& lngLength, bool blnCompressed, QByteArray& abytChunk)
+{
+    const QByteArray& source = blnCompressed ? m_compressed : m_data;
+    if (source.isEmpty() || m_readPosition < 0)
+        throw PlatformFailure(FailureNumber::IndexOutOfRange);
+    if (m_readPosition >= source.size())
+        return false;
+    if (lngLength < 1)
+        throw PlatformFailure(FailureNumber::IndexOutOfRange);
+    abytChunk = source.mid(m_readPosition, lngLength);
+    lngLength = static_cast<std::int32_t>(abytChunk.size());
+    m_readPosition += lngLength;
+    return true;
+}
+
+} // namespace fldc
