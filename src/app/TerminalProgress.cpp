@@ -1,5 +1,7 @@
 #include "app/TerminalProgress.h"
 
+#include "protocol/UpgradeState.h"
+
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -45,10 +47,10 @@ void TerminalProgress::watch(std::shared_ptr<DownloadWindow> window)
         m_window->addObserver(*this);
 }
 
-void TerminalProgress::printLine(const QString& text)
+void TerminalProgress::askForPowerCycle()
 {
     endLine();
-    write(text + u'\n');
+    write(powerCycleRequest(upgradeState().blnF1KeyRequired) + u'\n');
 }
 
 void TerminalProgress::windowChanged(WindowPart part)

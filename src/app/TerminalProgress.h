@@ -16,10 +16,10 @@ public:
     TerminalProgress(const TerminalProgress&) = delete;
     TerminalProgress& operator=(const TerminalProgress&) = delete;
 
-    /// The window to show; it must outlive this object or be let go with nullptr.
+    /// The window to show; nullptr lets go of it.
     void watch(std::shared_ptr<DownloadWindow> window);
-    /// A line of its own.
-    void printLine(const QString& text);
+    /// Asks for a power cycle, on a line of its own.
+    void askForPowerCycle();
 
     void windowChanged(WindowPart part) override;
 

@@ -2,10 +2,16 @@
 #include "app/TerminalProgress.h"
 #include "app/WindowFactory.h"
 #include "manager/clsDLManager.h"
+#include "platform/PlatformFailure.h"
 #include "platform/ShowError.h"
+#include "platform/qt/ProgramInfo.h"
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/SignalWatch.h"
-#include "platform/qt/display/DisplayPlatform.h"
+#include "platform/qt/TerminalMessages.h"
+#include "platform/qt/display/DesktopMessages.h"
+#include "platform/qt/display/MessageChooser.h"
+#include "platform/qt/display/QtPlatformChoice.h"
+#include "protocol/IWaitDialog.h"
 
 #include <QApplication>
 
@@ -13,52 +19,65 @@
 #include <memory>
 #include <unistd.h>
 
+namespace fldc {
 namespace {
 
-using namespace fldc;
+class WaitDialogs final : public IWaitDialogFactory {
+public:
+    [[nodiscard]] std::unique_ptr<IWaitDialog> createWaitDialog() override { return nullptr; }
+};
 
-int runProgram(QApplication& application, const QString& commandLine)
+// The run's state on the terminal, when the standard error output is one; else it stays silent.
+std::unique_ptr<TerminalProgress> terminalFor(const QString& commandLine)
 {
-    const WindowFactory* windows = nullptr;
-    ChosenMessages messages([&windows] { return windows != nullptr && windows->windowVisible(); });
+    if (commandLine.isEmpty() || isatty(STDERR_FILENO) == 0)
+        return nullptr;
+    return std::make_unique<TerminalProgress>(STDERR_FILENO);
+}
+
+int runProgram(const QString& commandLine)
+{
+    std::weak_ptr<DownloadWindow> latestWindow;
+    const auto windowVisible = [&latestWindow] {
+        const auto window = latestWindow.lock();
+        return window && window->isVisible();
+    };
+    DesktopMessages desktopMessages(ProgramInfo().title());
+    TerminalMessages terminalMessages;
+    MessageChooser messages(desktopMessages, terminalMessages, {windowVisible});
+    const ErrorBoxScope errorBox(messages);
     QtPlatform qtPlatform(messages);
     const Platform& platform = qtPlatform.platform();
-    const ErrorBoxScope errorBox(messages);
 
-    // A terminal shows how a switch-driven run goes on; anything else stays silent.
-    std::unique_ptr<TerminalProgress> terminal;
-    if (!commandLine.isEmpty() && isatty(STDERR_FILENO) != 0)
-        terminal = std::make_unique<TerminalProgress>(STDERR_FILENO);
-
-    WindowFactory windowFactory(platform, {}, [&terminal](std::shared_ptr<DownloadWindow> window) {
+    const std::unique_ptr<TerminalProgress> terminal = terminalFor(commandLine);
+    WindowFactory windows(platform, {}, [&](const std::shared_ptr<DownloadWindow>& window) {
+        latestWindow = window;
         if (terminal)
-            terminal->watch(std::move(window));
+            terminal->watch(window);
     });
-    windows = &windowFactory;
-
-    const auto watchManager = [&terminal](clsDLManager& manager) {
-        if (!terminal)
-            return;
-        QObject::connect(&manager, &clsDLManager::PowerCycleRequired, &manager,
-                         [&terminal] { terminal->printLine(powerCycleRequest()); });
-    };
-    StartUp startUp(platform, windowFactory, waitDialogs, watchManager);
+    WaitDialogs waitDialogs;
+    StartUp startUp(platform, windows, waitDialogs, [&](clsDLManager& manager) {
+        if (terminal)
+            QObject::connect(&manager, &clsDLManager::PowerCycleRequired, &manager,
+                             [&terminal] { terminal->askForPowerCycle(); });
+    });
     const SignalWatch signalWatch([&] {
         startUp.interrupt();
-        QApplication::quit();
+        QCoreApplication::quit();
     });
     const std::optional<int> exitCode = startUp.run(commandLine);
     return exitCode ? *exitCode : QApplication::exec();
 }
 
 } // namespace
+} // namespace fldc
 
 int main(int argc, char** argv)
 {
-    fldc::chooseQtPlatform();
-    const QApplication application(argc, argv);
     try {
-        return runProgram(application, QApplication::arguments().sliced(1).join(u' '));
+        fldc::chooseQtPlatform();
+        const QApplication application(argc, argv);
+        return fldc::runProgram(QCoreApplication::arguments().sliced(1).join(u' '));
     } catch (...) {
         std::fprintf(stderr, "rv4100_fldc: %s\n",
                      qUtf8Printable(fldc::currentFailure().description()));

@@ -2,6 +2,7 @@
 #include "manager/Session.h"
 
 #include "app/services/LogState.h"
+#include "platform/ISerialControl.h"
 #include "port/Cancellation.h"
 #include "port/PortEnumeration.h"
 #include "port/clsSerial.h"

@@ -52,8 +52,8 @@ void clsDLManager::RunAsyncTask()
     }
 }
 
-// The operations themselves end the task at their very end, also when none started them. The text is
-// a copy: a handler may start the next task, which replaces the input it came from.
+// The operations themselves end the task at their very end, also when none started them. The text
+// is a copy: a handler may start the next task, which replaces the input it came from.
 void clsDLManager::EndAsyncTask(enmAsyncTaskID task, QString text)
 {
     m_asyncBusy = false;

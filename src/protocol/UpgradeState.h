@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QString>
+
 #include <cstdint>
 
 namespace fldc {
@@ -18,6 +20,14 @@ struct UpgradeState {
 {
     thread_local UpgradeState state;
     return state;
+}
+
+/// What a user is asked to do when the radio must be power-cycled.
+[[nodiscard]] inline QString powerCycleRequest(bool blnF1KeyRequired)
+{
+    return blnF1KeyRequired
+               ? QStringLiteral("Please hold the F1 Key and Power Cycle the Radio to continue ...")
+               : QStringLiteral("Please Power Cycle the Radio to continue ...");
 }
 
 } // namespace fldc

@@ -147,10 +147,7 @@ bool clsProtocol::waitForPowerCycleByUser(IPort& port, bool& blnUARequired)
 {
     const auto dialog = m_dialogs.createWaitDialog();
     dialog->Show();
-    dialog->SetMessage(
-        upgradeState().blnF1KeyRequired
-            ? QStringLiteral("Please hold the F1 Key and Power Cycle the Radio to continue ...")
-            : QStringLiteral("Please Power Cycle the Radio to continue ..."));
+    dialog->SetMessage(powerCycleRequest(upgradeState().blnF1KeyRequired));
     while (radioStillSilent(port, blnUARequired) && !dialog->IsCancelled()) {
     }
     dialog->Hide();
