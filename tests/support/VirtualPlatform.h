@@ -1,0 +1,83 @@
+#pragma once
+
+#include "platform/IPortListing.h"
+#include "platform/IProgramInfo.h"
+#include "platform/ISettingsFile.h"
+#include "platform/Platform.h"
+#include "platform/PlatformFailure.h"
+#include "platform/ShowError.h"
+#include "support/MemoryFiles.h"
+#include "support/ScriptedLine.h"
+#include "support/ScriptedMessages.h"
+#include "support/VirtualTime.h"
+
+#include <map>
+#include <set>
+
+namespace fldc {
+
+class MemorySettings final : public ISettingsFile {
+public:
+    std::map<QString, QString> values;
+    bool readOnly = false;
+
+    [[nodiscard]] std::optional<QString> readText(const QString& name) override
+    {
+        const auto found = values.find(name);
+        return found == values.end() ? std::nullopt : std::optional(found->second);
+    }
+    void writeText(const QString& name, const QString& value) override
+    {
+        if (readOnly)
+            throw PlatformFailure(FailureNumber::Internal, QStringLiteral("read-only"));
+        values[name] = value;
+    }
+};
+
+class FakePorts final : public IPortListing {
+public:
+    QStringList names{QStringLiteral("COM1:"), QStringLiteral("COM7:")};
+    std::set<QString> unavailable;
+    bool broken = false;
+
+    [[nodiscard]] QStringList portNames() override
+    {
+        if (broken)
+            throw PlatformFailure(FailureNumber::Internal);
+        return names;
+    }
+    void tryOpen(const QString& name) override
+    {
+        if (unavailable.contains(name))
+            throw PlatformFailure(FailureNumber::Internal);
+    }
+    [[nodiscard]] QString devicePath(int number) override { return QString::number(number); }
+};
+
+class FakeProgram final : public IProgramInfo {
+public:
+    std::chrono::milliseconds limit = std::chrono::minutes(5);
+
+    [[nodiscard]] QString folder() const override { return QStringLiteral("C:\\Tools"); }
+    [[nodiscard]] QString title() const override { return QStringLiteral("Title"); }
+    [[nodiscard]] ProgramVersion version() const override { return {1, 21, 0}; }
+    [[nodiscard]] std::uint64_t threadId() const override { return 4711; }
+    [[nodiscard]] std::chrono::milliseconds powerCycleLimit() const override { return limit; }
+};
+
+/// A whole machine in memory.
+struct VirtualPlatform {
+    VirtualTime time;
+    MemoryFiles files;
+    MemorySettings settings;
+    FakePorts ports;
+    ScriptedLines lines{time};
+    FakeProgram program;
+    ScriptedMessages messages;
+    ErrorBoxScope errorBox{messages};
+    Platform platform{time, time, time, files, settings, ports, lines, program, messages};
+
+    [[nodiscard]] ScriptedLine& line() const { return *lines.line; }
+};
+
+} // namespace fldc
