@@ -24,12 +24,16 @@ struct ConfigurationRow {
 class ConfigurationList {
 public:
     static constexpr std::size_t columnCount = 5;
+    /// Which columns are shown: the first two, three or all.
+    enum class Layout { TypeCode, TypeCodeStatus, AllColumns };
+
     [[nodiscard]] static const std::array<QString, columnCount>& columnTitles();
 
     /// @p blnF1KeyRequired: the radio shows only its types and codes.
     void fill(const colConfigurations& configurations, bool blnF1KeyRequired);
 
     [[nodiscard]] const std::vector<ConfigurationRow>& rows() const { return m_rows; }
+    [[nodiscard]] Layout layout() const { return m_layout; }
     /// Widths in twips for a list @p listWidth twips wide; 0 hides a column.
     [[nodiscard]] std::array<int, columnCount> columnWidths(int listWidth) const;
 
@@ -40,8 +44,6 @@ public:
     [[nodiscard]] QString eraseList() const;
 
 private:
-    enum class Layout { AllColumns, TypeCodeStatus, TypeCode };
-
     std::vector<ConfigurationRow> m_rows;
     Layout m_layout = Layout::AllColumns;
 };

@@ -1,6 +1,7 @@
 #include "ui/logic/DownloadWindow.h"
 
 #include "app/services/LogState.h"
+#include "manager/Operation.h"
 #include "manager/clsDLManager.h"
 #include "platform/IProgramInfo.h"
 #include "platform/ISerialControl.h"
@@ -54,8 +55,8 @@ void DownloadWindow::removeObserver(IWindowObserver& observer)
 
 void DownloadWindow::changed(WindowPart part)
 {
-    if (m_view)
-        m_view->windowChanged(part);
+    if (const auto view = m_view)
+        view->windowChanged(part);
     for (IWindowObserver* observer : m_observers)
         observer->windowChanged(part);
 }
@@ -93,11 +94,25 @@ void DownloadWindow::hide()
 
 void DownloadWindow::unload()
 {
+    // The manager's reference may be the last one.
+    const auto self = weak_from_this().lock();
     hide();
+    m_view.reset();
     clsDLManager* manager = m_DLManager;
     m_DLManager = nullptr;
     if (manager != nullptr)
         manager->ReleaseWindow();
+}
+
+bool DownloadWindow::requestClose(bool sessionEnds)
+{
+    const bool operating = m_blnBusy || operationRuns();
+    if (operating && !sessionEnds)
+        return false;
+    if (operating && m_DLManager != nullptr)
+        m_DLManager->cancelOperation();
+    unload();
+    return true;
 }
 
 void DownloadWindow::selectPort(int index)
@@ -105,9 +120,45 @@ void DownloadWindow::selectPort(int index)
     if (index == m_portIndex)
         return;
     m_portIndex = index;
+    m_portText = m_ports.at(index);
     changed(WindowPart::Ports);
-    if (m_DLManager != nullptr && index >= 0)
-        m_DLManager->SetPort(m_ports.at(index), m_uiDisplay);
+    if (m_DLManager != nullptr)
+        m_DLManager->SetPort(m_portText, m_uiDisplay);
+}
+
+void DownloadWindow::typePort(const QString& text)
+{
+    m_portIndex = -1;
+    m_portText = text;
+}
+
+void DownloadWindow::toggleMark(std::size_t row)
+{
+    m_configurations.toggleMark(row);
+    changed(WindowPart::Marks);
+    m_eraseEnabled = !m_blnBusy && m_configurations.anyMarked();
+    changed(WindowPart::Controls);
+}
+
+void DownloadWindow::EnableControls(bool enable)
+{
+    m_controlsEnabled = enable;
+    m_eraseEnabled = false;
+    changed(WindowPart::Controls);
+}
+
+void DownloadWindow::showFailureReport(const QString& text, const std::function<void()>& closed)
+{
+    if (m_view)
+        m_view->showFailureReport(text, closed);
+    else
+        closed();
+}
+
+void DownloadWindow::showNotice(const QString& text)
+{
+    if (m_view)
+        m_view->showNotice(text);
 }
 
 bool DownloadWindow::PortExists(const QString& strPort) const
@@ -198,6 +249,8 @@ void DownloadWindow::UpdateLabels(const colConfigurations& configurations)
     setFileNameTextBox({});
     m_configurations.fill(configurations, upgradeState().blnF1KeyRequired);
     changed(WindowPart::Configurations);
+    m_eraseEnabled = false;
+    changed(WindowPart::Controls);
 }
 
 } // namespace fldc

@@ -22,7 +22,9 @@ enum class WindowPart {
     Status,
     FileName,
     Progress,
-    Configurations,
+    Configurations, ///< the rows
+    Marks,
+    Controls, ///< which of them are enabled
 };
 
 /// Something that shows the window's state: the main window on a desktop, a line on a terminal.
@@ -38,14 +40,22 @@ public:
     /// Throws PlatformFailure, ModalWindowOpen (401) when a modal window is open.
     virtual void showView() = 0;
     virtual void hideView() = 0;
+    /// Shows a long text over the window, which takes no input meanwhile. Returns at once; @p
+    /// closed is called when the user has closed it.
+    virtual void showFailureReport(const QString& text, std::function<void()> closed) = 0;
+    /// Shows a short text over the window. Returns at once.
+    virtual void showNotice(const QString& text) = 0;
 };
 
 /// The main window without its widgets: everything that the manager and the protocol read and write
 /// there, and the rules of the port list. A view shows it when there is a user; a switch-driven run
 /// needs none.
-class DownloadWindow final : public IDownloadWindow {
+class DownloadWindow final : public IDownloadWindow,
+                             public std::enable_shared_from_this<DownloadWindow> {
 public:
-    using ViewFactory = std::function<std::unique_ptr<IWindowView>(DownloadWindow&)>;
+    /// The window lets its view go while it unloads, which may be in the middle of an event that
+    /// the view handles: the pointer's deleter must bear that.
+    using ViewFactory = std::function<std::shared_ptr<IWindowView>(DownloadWindow&)>;
 
     /// @p makeView may be empty: the window then counts as shown without anything on a screen.
     DownloadWindow(const Platform& platform, ViewFactory makeView);
@@ -59,22 +69,48 @@ public:
     [[nodiscard]] const QString& caption() const { return m_caption; }
     [[nodiscard]] clsDLManager* downLoadManager() const { return m_DLManager; }
     [[nodiscard]] const QStringList& portEntries() const { return m_ports; }
+    /// Selected entry, from 0; -1 when the text is no chosen entry.
     [[nodiscard]] int portIndex() const { return m_portIndex; }
+    [[nodiscard]] const QString& portText() const { return m_portText; }
     [[nodiscard]] const QString& statusPanelTag() const { return m_tag; }
     [[nodiscard]] const QString& statusPanelStatus() const { return m_status; }
     [[nodiscard]] const QString& statusPanelBaud() const { return m_baud; }
     [[nodiscard]] const QString& fileName() const { return m_fileName; }
     [[nodiscard]] int progress() const { return m_progress; }
     [[nodiscard]] bool accessLevelVisible() const { return m_accessLevelVisible; }
-    [[nodiscard]] ConfigurationList& configurations() { return m_configurations; }
+    [[nodiscard]] const ConfigurationList& configurations() const { return m_configurations; }
+    [[nodiscard]] IWindowView* view() const { return m_view.get(); }
+    /// True while the operation of a button runs.
+    [[nodiscard]] bool busy() const { return m_blnBusy; }
+    /// Whether the port list, "Report Configuration" and "Download" can be used.
+    [[nodiscard]] bool controlsEnabled() const { return m_controlsEnabled; }
+    [[nodiscard]] bool eraseEnabled() const { return m_eraseEnabled; }
 
     // -- What the user does
-    /// Selects the port entry at @p index (from 0; -1 for text that is no entry). A change to an
-    /// entry calls the manager's SetPort, exactly once; selecting the present one does nothing.
+    /// Selects the port entry at @p index, from 0. A change calls the manager's SetPort, exactly
+    /// once; selecting the present entry does nothing.
     void selectPort(int index);
+    /// Text typed over the port entry: no entry is selected any more, the manager keeps its port.
+    void typePort(const QString& text);
+    /// Marks or unmarks the row at @p row, from 0, and enables "Erase Configuration" by the marks.
+    /// It stays disabled while an operation runs.
+    void toggleMark(std::size_t row);
+    /// The user, or the end of the desktop's session, asks the window to close. While an operation
+    /// runs the user's request is refused, which returns false; the end of the session cancels the
+    /// operation. Otherwise the window unloads.
+    bool requestClose(bool sessionEnds);
     void setAccessLevelChecked(bool checked);
     /// Text of the first status panel; empty text shows "Status".
     void setStatusPanelTag(const QString& strData);
+
+    // -- For the operations of the buttons
+    void setBusy(bool busy) { m_blnBusy = busy; }
+    /// Enables or disables the port list, "Report Configuration" and "Download" together; "Erase
+    /// Configuration" is disabled either way, until a row is marked again.
+    void EnableControls(bool enable);
+    /// As the view's members of that name; without a view the report counts as closed at once.
+    void showFailureReport(const QString& text, const std::function<void()>& closed);
+    void showNotice(const QString& text);
 
     // -- IProtocolWindow
     [[nodiscard]] bool UIDisplay() const override { return m_uiDisplay; }
@@ -110,7 +146,7 @@ private:
 
     const Platform& m_platform;
     ViewFactory m_makeView;
-    std::unique_ptr<IWindowView> m_view;
+    std::shared_ptr<IWindowView> m_view;
     std::vector<IWindowObserver*> m_observers;
     std::shared_ptr<ISerialControl> m_control;
     clsDLManager* m_DLManager = nullptr;
@@ -121,6 +157,7 @@ private:
     QString m_caption;
     QStringList m_ports;
     int m_portIndex = -1;
+    QString m_portText;
     std::int32_t m_baudRateIndex = -1;
     bool m_accessLevelVisible = false;
     bool m_accessLevelChecked = false;
@@ -130,6 +167,9 @@ private:
     QString m_fileName;
     int m_progress = 0;
     ConfigurationList m_configurations;
+    bool m_blnBusy = false;
+    bool m_controlsEnabled = true;
+    bool m_eraseEnabled = false;
 };
 
 } // namespace fldc

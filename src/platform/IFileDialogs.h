@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <optional>
+
+namespace fldc {
+
+/// What a file dialog starts with.
+struct FileQuestion {
+    /// Path of the file that is offered; empty for none. May have `\` between its folders.
+    QString initialName;
+    /// Pairs of a name and its patterns: "S records|*.srec;*.s1|All files|*.*".
+    QString filter;
+};
+
+/// The desktop's file dialogs. They do not hold up the caller: the answer comes later, because
+/// a radio may be in the middle of a conversation that must go on meanwhile.
+class IFileDialogs {
+public:
+    virtual ~IFileDialogs() = default;
+
+    /// Called once with full paths, or with nothing when the user cancelled; not at all when the
+    /// window that the dialog belongs to goes first. Must not throw.
+    using Answer = std::function<void(const std::optional<QStringList>& paths)>;
+
+    /// Asks for one or more existing files of one folder.
+    virtual void chooseFilesToOpen(const FileQuestion& question, Answer answer) = 0;
+    /// Asks for a file to be written, in an existing folder; the user has confirmed that one that
+    /// exists may be replaced.
+    virtual void chooseFileToSave(const FileQuestion& question, Answer answer) = 0;
+};
+
+} // namespace fldc
