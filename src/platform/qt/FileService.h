@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/IFileService.h"
+
+namespace fldc {
+
+/// The files of this machine. "In use" is an advisory lock (flock) that openForAppending() holds
+/// until the file is closed; a file system without locks counts every file as free.
+class FileService final : public IFileService {
+public:
+    [[nodiscard]] bool exists(const QString& path) override;
+    [[nodiscard]] std::unique_ptr<IOutputFile> openForAppending(const QString& path) override;
+    [[nodiscard]] std::unique_ptr<IOutputFile> openForWriting(const QString& path) override;
+    void checkWritable(const QString& path) override;
+    /// Maps the file where the file system can; else reads it. Regular files only. The file must
+    /// not be made shorter while the content is in use.
+    [[nodiscard]] std::unique_ptr<IFileContent> read(const QString& path) override;
+    [[nodiscard]] QDate lastModified(const QString& path) override;
+    /// Replaces @p to when it exists.
+    void copy(const QString& from, const QString& to) override;
+    void remove(const QString& path) override;
+};
+
+} // namespace fldc

@@ -1,0 +1,18 @@
+#pragma once
+
+#include "platform/IProgramInfo.h"
+
+namespace fldc {
+
+/// What the running process and its environment say: RV4100_FLDC_HOME names another program folder,
+/// RV4100_FLDC_POWER_CYCLE_S another limit for a power cycle (whole seconds; 5 minutes else).
+class ProgramInfo final : public IProgramInfo {
+public:
+    [[nodiscard]] QString folder() const override;
+    [[nodiscard]] QString title() const override;
+    [[nodiscard]] ProgramVersion version() const override;
+    [[nodiscard]] std::uint64_t threadId() const override;
+    [[nodiscard]] std::chrono::milliseconds powerCycleLimit() const override;
+};
+
+} // namespace fldc

@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/IClock.h"
+
+namespace fldc {
+
+class QtClock final : public IClock {
+public:
+    [[nodiscard]] QDateTime now() const override { return QDateTime::currentDateTime(); }
+    [[nodiscard]] std::chrono::milliseconds monotonic() const override
+    {
+        return std::chrono::duration_cast<std::chrono::milliseconds>(
+            std::chrono::steady_clock::now().time_since_epoch());
+    }
+};
+
+} // namespace fldc
