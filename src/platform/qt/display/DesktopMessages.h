@@ -1,0 +1,22 @@
+#pragma once
+
+#include "platform/IMessageBox.h"
+
+class QMessageBox;
+
+namespace fldc {
+
+/// Message boxes as windows, modal for the whole application, on top of the active window. The
+/// default answer of a question is No.
+class DesktopMessages final : public IMessageBox {
+public:
+    explicit DesktopMessages(QString title);
+
+    void show(const QString& text, MessageKind kind) override;
+    [[nodiscard]] bool askYesNo(const QString& text) override;
+
+private:
+    QString m_title;
+};
+
+} // namespace fldc
