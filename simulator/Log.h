@@ -1,0 +1,34 @@
+// Tells people what happens. Events are one readable line each and go to standard output; the log
+// also takes every sequence of bytes, each line with its time.
+#pragma once
+
+#include "Bytes.h"
+#include "Clock.h"
+
+#include <fstream>
+#include <string>
+#include <string_view>
+
+namespace simulator {
+
+class Log {
+public:
+    /// `path`: file to (over)write, "-" for standard output in place of the bare events, empty for
+    /// no log. Throws std::runtime_error when the file cannot be written.
+    explicit Log(const std::string& path);
+
+    void event(std::string_view text);
+    void heard(ByteView bytes, std::string_view meaning);
+    /// `after`: how long after now the bytes go out.
+    void said(ByteView bytes, Clock::duration after);
+    /// A line for the log alone.
+    void note(std::string_view text);
+
+private:
+    void write(std::string_view mark, std::string_view text);
+
+    bool m_logToOutput;
+    std::ofstream m_file;
+};
+
+} // namespace simulator

@@ -1,0 +1,416 @@
+"""Drives radio_simulator over its pseudo-terminal, byte by byte, as a host would.
+
+The environment variable RADIO_SIMULATOR names the executable.
+"""
+
+import os
+import pathlib
+import select
+import signal
+import subprocess
+import tempfile
+import termios
+import time
+import tty
+import unittest
+import zlib
+
+DONE = bytes.fromhex("AFAF")
+CONFIRM_READY = bytes.fromhex("3800C7FF")
+SPEED_115200 = bytes.fromhex("30010060CF9E")
+RESET_RADIO = bytes.fromhex("3600C9FF")
+SPEEDS = {9600: termios.B9600, 19200: termios.B19200, 57600: termios.B57600, 115200: termios.B115200}
+
+
+def frame(code, data=""):
+    """A command frame; code and data in hexadecimal, data also as bytes."""
+    data = data if isinstance(data, bytes) else bytes.fromhex(data)
+    body = bytes([int(code, 16), len(data) // 2]) + data
+    words = sum(int.from_bytes(body[i:i + 2], "big") for i in range(0, len(body), 2))
+    return body + (0xFFFF - words % 0x10000).to_bytes(2, "big")
+
+
+def product(record):
+    """The product text of a configuration record that ends it with a zero word."""
+    words = [record[i:i + 2] for i in range(2, len(record), 2)]
+    return "".join(chr(word[1]) for word in words[:words.index(b"\0\0")])
+
+
+class Radio:
+    """A running simulator and the host's end of its line."""
+
+    def __init__(self, profile, *arguments):
+        self.folder = tempfile.TemporaryDirectory()
+        self.port_path = os.path.join(self.folder.name, "radio")
+        self.flash_path = os.path.join(self.folder.name, "flash")
+        self.process = subprocess.Popen(
+            [os.environ["RADIO_SIMULATOR"], "--profile", profile, "--link", self.port_path,
+             "--flash", self.flash_path, *arguments], stdout=subprocess.PIPE, text=True)
+        self.first_line = self.process.stdout.readline()
+        self.port = None
+        self.set_speed(19200)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.end()
+        self.folder.cleanup()
+
+    def end(self):
+        """Ends the simulator; returns its exit code and what it printed after its first line."""
+        self.close()
+        if self.process.poll() is None:
+            self.process.send_signal(signal.SIGTERM)
+        output, _ = self.process.communicate(timeout=10)
+        return self.process.returncode, output
+
+    def close(self):
+        if self.port is not None:
+            os.close(self.port)
+            self.port = None
+
+    def set_speed(self, speed):
+        self.close()
+        self.port = os.open(self.port_path, os.O_RDWR | os.O_NOCTTY)
+        tty.setraw(self.port)
+        settings = termios.tcgetattr(self.port)
+        settings[4] = settings[5] = SPEEDS[speed]
+        termios.tcsetattr(self.port, termios.TCSANOW, settings)
+
+    def read(self, count, seconds=2.0):
+        """Up to `count` bytes; fewer when `seconds` pass in which none arrives."""
+        received = b""
+        while len(received) < count and select.select([self.port], [], [], seconds)[0]:
+            received += os.read(self.port, count - len(received))
+        return received
+
+    def ask(self, request, count=2, seconds=2.0):
+        os.write(self.port, request)
+        return self.read(count, seconds)
+
+    def log_on(self):
+        """Resets the radio and logs on, sending a boot application if it wants one."""
+        if self.ask(b"\x5E", 1) == b"\x56":
+            self.ask(b"\x7E", 20, 0.3)
+            os.write(self.port, b"boot application")
+            assert self.read(2) == DONE
+        else:
+            assert self.ask(b"\x7E", 40, 0.3).endswith(b"*?" + DONE)
+
+    def components(self):
+        """The configuration records, busy words between them dropped."""
+        os.write(self.port, frame("31"))
+        records = []
+        while (head := self.read(2)) != DONE:
+            if head != b"\xAE\xAE":
+                record = head + self.read(2 * head[1])
+                checksum = self.read(2)
+                assert head[0] == 0x43 and frame(record[:1].hex(), record[2:])[-2:] == checksum
+                records.append(record)
+        return records
+
+
+def commanded(profile, *arguments):
+    """A radio that takes commands from the beginning, at 19200 bit/s."""
+    return Radio(profile, "--fault", "already-in-upgrade-mode=19200", *arguments)
+
+
+class LogOn(unittest.TestCase):
+    def test_radio_without_boot_application(self):
+        with Radio("rv4100") as radio:
+            self.assertRegex(radio.first_line, r"^Radio RV4100 on /dev/pts/\d+")
+            self.assertEqual(radio.ask(b"\x5E", 1), b"\x76")
+            self.assertEqual(radio.ask(b"\x7E", 21), b"RV4100 1.08 RVKB3*?" + DONE)
+            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
+
+    def test_radio_with_boot_application(self):
+        with Radio("rv4200") as radio:
+            self.assertEqual(radio.ask(b"\x5E", 1), b"\x56")
+            self.assertEqual(radio.ask(b"\x7E", 99, 0.4), b"RVKC4*")
+            for byte in b"\x01\x02\x5E":
+                os.write(radio.port, bytes([byte]))
+            self.assertEqual(radio.read(2), DONE)
+            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
+
+    def test_given_up_boot_application_and_reset_while_commanded(self):
+        with Radio("rv4200") as radio:
+            radio.ask(b"\x5E", 1)
+            radio.ask(b"\x7E", 6)
+            self.assertEqual(radio.ask(b"\x5E", 1), b"\x56")
+            radio.log_on()
+            self.assertEqual(radio.ask(b"\x5E", 1), b"\x56")
+
+    def test_special_log_on_wants_a_power_cycle(self):
+        with Radio("rv4100", "--fault", "power-cycle") as radio:
+            self.assertEqual(radio.ask(b"\x5E", 1, 0.4), b"")
+            radio.process.send_signal(signal.SIGUSR2)
+            self.assertEqual(radio.read(1), b"\x76")
+            self.assertEqual(radio.ask(b"\x3C\x5E\x23", 21), b"RV4100 1.08 RVKB3*?" + DONE)
+        with Radio("rv4100") as radio:
+            radio.ask(b"\x5E", 1)
+            self.assertEqual(radio.ask(b"\x3C\x5E\x23", 1, 0.4), b"")
+
+    def test_f1_power_cycle(self):
+        with Radio("rv4200", "--fault", "f1-power-cycle", "--fault", "power-cycle-after=1") as radio:
+            self.assertEqual(radio.ask(b"\x5E", 1, 0.4), b"")
+            radio.set_speed(9600)
+            self.assertEqual(radio.ask(b"\x5E", 1), b"\x56")
+            radio.set_speed(19200)
+            self.assertEqual(radio.read(2), DONE)
+            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
+
+
+class Speed(unittest.TestCase):
+    def test_change_and_deafness(self):
+        with commanded("rv4100") as radio:
+            os.write(radio.port, SPEED_115200)
+            time.sleep(0.01)
+            radio.set_speed(115200)
+            self.assertEqual(radio.read(2), DONE)
+            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
+            radio.set_speed(19200)
+            time.sleep(0.05)
+            self.assertEqual(radio.ask(CONFIRM_READY, 2, 0.3), b"")
+            radio.set_speed(115200)
+            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
+            # A restart brings it back, and a speed changed right after the frame loses nothing.
+            os.write(radio.port, RESET_RADIO)
+            radio.set_speed(19200)
+            self.assertEqual(radio.read(1), b"\x76")
+
+    def test_unsupported_and_refused_speeds(self):
+        with commanded("rv6100") as radio:
+            self.assertEqual(radio.ask(SPEED_115200, 4), bytes.fromhex("8101AFAF"))
+            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
+        with commanded("rv4100", "--fault", "ignores-speed=115200") as radio:
+            self.assertEqual(radio.ask(SPEED_115200, 2, 0.3), b"")
+            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
+        with commanded("rv4100", "--fault", "deaf=115200") as radio:
+            os.write(radio.port, SPEED_115200)
+            radio.set_speed(115200)
+            self.assertEqual(radio.ask(CONFIRM_READY, 2, 0.3), b"")
+
+    def test_nobody_hears_what_is_said_to_a_closed_port(self):
+        with Radio("rv4100") as radio:
+            os.write(radio.port, b"\x5E")
+            radio.close()
+            time.sleep(0.3)
+            radio.set_speed(19200)
+            self.assertEqual(radio.read(1, 0.1), b"")
+            self.assertEqual(radio.ask(b"\x7E", 21), b"RV4100 1.08 RVKB3*?" + DONE)
+
+    def test_paced_bytes_take_their_time(self):
+        with commanded("rv4100", "--pace") as radio:
+            begin = time.monotonic()
+            # 514 bytes there and 4 back, 10 bits each at 19200 bit/s: 269.8 ms.
+            self.assertEqual(radio.ask(frame("35", bytes(510)), 4), bytes.fromhex("810FAFAF"))
+            self.assertGreater(time.monotonic() - begin, 0.2697)
+            self.assertLess(time.monotonic() - begin, 0.300)
+
+
+class Memory(unittest.TestCase):
+    def write_plain(self, radio):
+        """Components, unlocking, erasing and writing across the blocks 8 and 9 of an RV4200."""
+        self.assertEqual(radio.ask(frame("42", b"\0\0" + "JHA2F-2.00".encode("utf-16-be"))), DONE)
+        self.assertEqual(radio.ask(frame("32", "00080009")), DONE)
+        self.assertEqual(radio.ask(frame("33", "00080009"), 6), bytes.fromhex("AEAEAEAEAFAF"))
+        self.assertEqual(radio.ask(frame("34", "0000FFFF")), DONE)
+        self.assertEqual(radio.ask(frame("35", "01020304")), DONE)
+        self.assertEqual(radio.ask(frame("35", "0506")), DONE)
+        self.assertEqual(radio.ask(frame("39", "00080009")), DONE)
+
+    def test_plain_write_in_words(self):
+        with commanded("rv4200") as radio:
+            self.assertEqual(radio.ask(frame("3E"), 24), bytes.fromhex(
+                "5209 0002 00000000 0010 0007 00008000 0080 000E 2D4F AFAF"))
+            self.write_plain(radio)
+            records = radio.components()
+            # Product, zero, address, status, network and device.
+            self.assertEqual(records[2][2:], "JHA2F-2.00".encode("utf-16-be") + bytes.fromhex(
+                "0000 0000FFFF 0000 0000"))
+            self.assertEqual([product(record) for record in records],
+                             ["RVKC4-02", "JHA2B-1.04", "JHA2F-2.00", "SHA2A-1.00", "JHA2A-1.02"])
+            self.assertEqual(radio.end()[0], 0)
+            flash = pathlib.Path(radio.flash_path).read_bytes()
+            self.assertEqual(len(flash), 2 * 0x80000 + 2 * 0x20000)
+            self.assertEqual(flash[2 * 0xFFFF - 1:2 * 0xFFFF + 7], bytes.fromhex("FF010203040506FF"))
+            self.assertEqual(flash[2 * 0x8000:2 * 0xFFFF], b"\xFF" * (2 * 0x7FFF))
+            self.assertEqual(flash[2 * 0x8000 - 4:2 * 0x8000], b"... ")
+            self.assertIn("product=JHA2F-2.00\n", pathlib.Path(radio.flash_path + ".map").read_text())
+
+    def test_compressed_write_in_bytes(self):
+        plain = bytes(n * n % 251 for n in range(2001))
+        stream = zlib.compress(plain)
+        stream += bytes(len(stream) % 2)
+        with commanded("rh6100") as radio:
+            self.assertEqual(radio.ask(frame("42", "0001004A0041"), 4), bytes.fromhex("810AAFAF"))
+            self.assertEqual(radio.ask(frame("40", "JWA2A-3.00".encode("utf-16-be"))), DONE)
+            self.assertEqual(radio.ask(frame("3A", "0001")), DONE)
+            self.assertEqual(radio.ask(frame("32", "0001")), DONE)
+            self.assertEqual(radio.ask(frame("33", "0001"), 4), bytes.fromhex("AEAEAFAF"))
+            self.assertEqual(radio.ask(frame("3C", "00004001")), DONE)
+            for offset in range(0, len(stream), 200):
+                self.assertEqual(radio.ask(frame("3D", stream[offset:offset + 200])), DONE)
+            self.assertEqual(radio.ask(frame("39", "0001")), DONE)
+            radio.process.send_signal(signal.SIGUSR1)
+            while "Flash written" not in radio.process.stdout.readline():
+                pass
+            device = pathlib.Path(radio.flash_path).read_bytes()[0x80000:]
+            self.assertEqual(device[0x4000:0x8000],
+                             b"\xFF" + plain + b"\xFF" * (0x4000 - 1 - len(plain)))
+
+    def test_stream_that_stops_or_breaks(self):
+        stream = zlib.compress(bytes(3000))
+        for data, reply, status in ((stream[:10], "AFAF", 2), (b"\0\1\2\3", "8108AFAF", 2)):
+            with self.subTest(data), commanded("rh6100") as radio:
+                for request, count in ((frame("40", "004A0057"), 2), (frame("32", "0001"), 2),
+                                       (frame("33", "0001"), 4), (frame("3C", "00020000"), 2)):
+                    self.assertEqual(radio.ask(request, count)[-2:], DONE)
+                self.assertEqual(radio.ask(frame("3D", data), len(reply) // 2).hex().upper(), reply)
+                radio.ask(frame("39", "0001"))
+                self.assertEqual([r[-3] for r in radio.components()], [0, 0, 1, 0])
+
+    def test_refusals(self):
+        with commanded("rv4200") as radio:
+            for request, reply in (
+                    (frame("33", "0008"), "810FAFAF"),                        # nothing authorised
+                    (frame("42", "0200004A0041"), "810BAFAF"),                # no network 2
+                    (frame("3A", "0100"), "810BAFAF"),
+                    (frame("42", "0001004A0041"), "AFAF"),
+                    (frame("3A", "0000"), "AFAF"),
+                    (frame("33", "0008"), "8104AFAF"),                        # locked
+                    (frame("32", "0017"), "8106AFAF"),                        # there are 23 blocks
+                    (frame("32", "0016"), "AFAF"),
+                    (frame("35", "0000"), "8109AFAF"),                        # no address
+                    (frame("34", "00080000"), "8106AFAF"),                    # behind the last word
+                    (frame("34", "0007FFFF"), "AFAF"),
+                    (frame("35", "1234"), "8105AFAF"),                        # not erased
+                    (frame("3D", "1234"), "8109AFAF"),                        # address for plain data
+                    (frame("33", "0016"), "AEAEAFAF"),
+                    (frame("34", "0007FFFF"), "AFAF"),
+                    (frame("35", "12345678"), "8106AFAF"),                    # runs over the end
+                    (frame("35", "1234"), "AFAF"),
+                    (frame("34", "0007FFFF"), "AFAF"),
+                    (frame("35", "FFFF"), "8105AFAF"),                        # written already
+                    (frame("34", "00008000"), "AFAF"),
+                    (frame("35", "1234"), "8104AFAF"),                        # another block, locked
+                    (frame("34", "0000"), "8108AFAF"),
+                    (frame("38", "0000"), "8108AFAF"),
+                    (frame("41"), "8001AFAF"),
+                    (bytes.fromhex("3800C7FE"), "8002AFAF"),
+                    (bytes.fromhex("3801"), "8003AFAF"),                      # the frame stops
+                    (CONFIRM_READY, "AFAF")):
+                with self.subTest(request=request.hex()):
+                    self.assertEqual(radio.ask(request, len(reply) // 2).hex().upper(), reply)
+            self.assertEqual(radio.read(1, 0.1), b"")
+
+    def test_old_radio(self):
+        with commanded("rv6100") as radio:
+            for code, data in (("3C", "00008000"), ("3E", ""), ("42", "0000004A0041"), ("40", "004A")):
+                self.assertEqual(radio.ask(frame(code, data), 4), bytes.fromhex("8001AFAF"))
+            structure = radio.ask(frame("37"), 94)
+            self.assertEqual(structure[:10], bytes.fromhex("462C 00000000 00001000"))
+            self.assertEqual(structure[-12:-4], bytes.fromhex("00018000 00008000"))
+            # Records without an end of the product and without network and device.
+            self.assertEqual(radio.components()[0][2:], "RVKB2-01".encode("utf-16-be") + bytes(6))
+            # With nothing authorised the tag in the code tells what was loaded.
+            tagged = bytes.fromhex("2A2F69426262456C2F2A 0000 004A 0056 0041 0032 0046 0000")
+            for request, count in ((frame("32", "0008"), 2), (frame("33", "0008"), 4),
+                                   (frame("34", "00008000"), 2), (frame("35", tagged), 2),
+                                   (frame("39", "0008"), 2)):
+                self.assertEqual(radio.ask(request, count)[-2:], DONE)
+            self.assertEqual(radio.components()[2][2:12], "JVA2F".encode("utf-16-be"))
+
+    def test_flash_kept_from_run_to_run(self):
+        with tempfile.TemporaryDirectory() as folder:
+            kept = pathlib.Path(folder, "kept")
+            with commanded("rv4200") as radio:
+                self.write_plain(radio)
+                radio.end()
+                for suffix in ("", ".map"):
+                    os.rename(radio.flash_path + suffix, f"{kept}{suffix}")
+            with commanded("rv4200", "--flash-in", str(kept)) as radio:
+                self.assertEqual(product(radio.components()[2]), "JHA2F-2.00")
+                radio.end()
+                self.assertEqual(pathlib.Path(radio.flash_path).read_bytes(), kept.read_bytes())
+
+
+class Faults(unittest.TestCase):
+    def test_changed_answers(self):
+        ready = CONFIRM_READY
+        for fault, request, replies in (
+                ("fault@38:2=8104", ready, ("AFAF", "8104AFAF", "AFAF")),
+                ("fault@38:2+=8104", ready, ("AFAF", "8104AFAF", "8104AFAF")),
+                ("fault@38:1-2=810E", ready, ("810EAFAF", "810EAFAF", "AFAF")),
+                ("busy@38=3/20", ready, ("AEAEAEAEAEAEAFAF",)),
+                ("busylist@38=AEAE0003", ready, ("AEAEAEAE0003AFAF",)),
+                ("corrupt@38:1", ready, ("AFB0", "AFAF")),
+                ("corrupt@70", frame("70"), ("49020001 22C4 9439 AFAF",)),
+                ("garbage@38=00FF", ready, ("00FFAFAF",)),
+                ("reply@38=1337", ready, ("1337",)),
+                ("cut@70=5", frame("70"), ("4902000122",)),
+                ("silent@38:2", ready, ("AFAF", "", "AFAF")),
+                ("silent-after=1", ready, ("AFAF", "", "")),
+                ("unknown=38", ready, ("8001AFAF",))):
+            with self.subTest(fault), commanded("rv4100", "--fault", fault) as radio:
+                for reply in map(bytes.fromhex, replies):
+                    self.assertEqual(radio.ask(request, len(reply) or 1, 2 if reply else 0.1), reply)
+                self.assertEqual(radio.read(1, 0.05), b"")
+
+    def test_late_and_split_answers(self):
+        for fault, least, pieces in (("delay@38=300", 0.3, 1), ("split@38=1/150", 0.15, 2)):
+            with self.subTest(fault), commanded("rv4100", "--fault", fault) as radio:
+                begin = time.monotonic()
+                os.write(radio.port, CONFIRM_READY)
+                received = [radio.read(2 // pieces) for _ in range(pieces)]
+                self.assertEqual(b"".join(received), DONE)
+                self.assertGreaterEqual(time.monotonic() - begin, least)
+
+    def test_hang_up(self):
+        with commanded("rv4100", "--fault", "hangup@38:2") as radio:
+            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
+            os.write(radio.port, CONFIRM_READY)
+            self.assertTrue(select.select([radio.port], [], [], 2)[0])
+            self.assertRaises(OSError, os.write, radio.port, CONFIRM_READY)
+            self.assertEqual(radio.process.wait(5), 0)
+            self.assertFalse(os.path.lexists(radio.port_path))
+            self.assertTrue(os.path.exists(radio.flash_path))
+
+    def test_found_in_upgrade_mode(self):
+        with Radio("rv4200", "--fault", "already-in-upgrade-mode=57600") as radio:
+            self.assertEqual(radio.ask(b"\x5E", 1, 0.3), b"")
+            radio.set_speed(57600)
+            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
+
+
+class CommandLine(unittest.TestCase):
+    def run_simulator(self, *arguments):
+        return subprocess.run([os.environ["RADIO_SIMULATOR"], *arguments], capture_output=True, text=True,
+                              timeout=10, check=False)
+
+    def test_faults_that_make_no_sense(self):
+        for fault, why in (("falt@33=8104", "there is no fault 'falt'"), ("fault=8104", "needs an event"),
+                           ("fault@33", "needs a value"), ("fault@33=81", "four hexadecimal digits"),
+                           ("fault@333=8104", "not an event"), ("silent@33:0", "not a count"),
+                           ("silent@33:4-2", "not a count"), ("deaf=19201", "not a speed"),
+                           ("deaf@33=9600", "takes no event"), ("busy@33=0", "above 0"),
+                           ("reply@38=123", "two hexadecimal digits"), ("hangup@35=1", "takes no value")):
+            with self.subTest(fault):
+                result = self.run_simulator("--fault", fault)
+                self.assertEqual(result.returncode, 2)
+                self.assertIn(why, result.stderr)
+
+    def test_link(self):
+        with tempfile.TemporaryDirectory() as folder:
+            link = os.path.join(folder, "radio")
+            os.symlink("/dev/pts/999", link)
+            self.assertEqual(self.run_simulator("--link", link, "--for", "0.1").returncode, 0)
+            self.assertFalse(os.path.lexists(link))
+            pathlib.Path(link).write_text("precious")
+            self.assertEqual(self.run_simulator("--link", link, "--for", "0.1").returncode, 1)
+            self.assertEqual(pathlib.Path(link).read_text(), "precious")
+
+
+if __name__ == "__main__":
+    unittest.main()
