@@ -54,6 +54,11 @@ std::int16_t clsDLManager::EraseSelected(const QString& FilesToErase, QString& s
 void clsDLManager::eraseSteps(Session& session, const QString& FilesToErase)
 {
     session.openLogs();
+    const QStringList positions = positionTexts(FilesToErase);
+    if (positions.isEmpty() && !session.radio)
+        m_radio = session.radio = std::make_shared<clsRadio>();
+    // Without a report before, nobody knows what the positions mean: nothing is sent.
+    (void)session.model();
     session.port().OpenPort();
     m_files = std::make_shared<colFiles>();
 
@@ -64,7 +69,7 @@ void clsDLManager::eraseSteps(Session& session, const QString& FilesToErase)
     if (!lastError().ok())
         return;
 
-    for (const QString& text : positionTexts(FilesToErase)) {
+    for (const QString& text : positions) {
         const std::int32_t position = positionOf(text);
         clsRadio& radio = session.model();
         const auto configuration = radio.Configurations()->Item(position);
