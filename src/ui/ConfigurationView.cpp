@@ -1,0 +1,186 @@
+#include "ui/ConfigurationView.h"
+
+#include "ui/ControlPositions.h"
+#include "ui/frmIcon.h"
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QScopedValueRollback>
+
+#include <algorithm>
+#include <numeric>
+
+namespace fldc {
+
+namespace {
+
+constexpr int iconPixels = 16;
+constexpr int statusColumn = 2;
+constexpr int narrowestColumn = 16;
+
+QIcon markIcon(RowMark mark)
+{
+    static const QIcon unticked = frmIcon::picture(QStringLiteral("unticked"));
+    static const QIcon ticked = frmIcon::picture(QStringLiteral("ticked"));
+    switch (mark) {
+    case RowMark::Erasable:
+        return unticked;
+    case RowMark::Marked:
+        return ticked;
+    case RowMark::None:
+        break;
+    }
+    return {};
+}
+
+QString accessibleText(const ConfigurationRow& row)
+{
+    const QString& type = row.texts.front();
+    if (row.mark == RowMark::None)
+        return type;
+    return type + (row.mark == RowMark::Marked ? ConfigurationView::tr(", marked for erasure")
+                                               : ConfigurationView::tr(", not marked"));
+}
+
+// Pure red can't be read on a dark background.
+QColor faultColour(const QPalette& palette)
+{
+    const bool dark = palette.color(QPalette::Base).lightness() < 128;
+    return dark ? QColor(255, 128, 128) : QColor(255, 0, 0);
+}
+
+QStringList titles()
+{
+    const auto& texts = ConfigurationList::columnTitles();
+    return {texts.begin(), texts.end()};
+}
+
+} // namespace
+
+ConfigurationView::ConfigurationView(const ConfigurationList& list, QWidget* parent)
+    : QTreeWidget(parent), m_list(&list)
+{
+    setColumnCount(static_cast<int>(ConfigurationList::columnCount));
+    setHeaderLabels(titles());
+    setFrameShape(QFrame::NoFrame);
+    setRootIsDecorated(false);
+    setItemsExpandable(false);
+    setUniformRowHeights(true);
+    setAllColumnsShowFocus(true);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    setEditTriggers(QAbstractItemView::NoEditTriggers);
+    setIconSize(QSize(iconPixels, iconPixels));
+    header()->setSectionsMovable(false);
+    header()->setStretchLastSection(false);
+    header()->setMinimumSectionSize(narrowestColumn);
+    header()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    // Only columns that the user has widened can be wider than the list.
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+
+    connect(this, &QTreeWidget::itemClicked, this, &ConfigurationView::toggle);
+    connect(this, &QTreeWidget::itemDoubleClicked, this, &ConfigurationView::toggle);
+    connect(header(), &QHeaderView::sectionResized, this, &ConfigurationView::rememberWidths);
+}
+
+void ConfigurationView::refill()
+{
+    clear();
+    for (const ConfigurationRow& row : m_list->rows())
+        addTopLevelItem(new QTreeWidgetItem(QStringList(row.texts.begin(), row.texts.end())));
+    showMarks();
+    applyColours();
+    applyWidths();
+}
+
+void ConfigurationView::showMarks()
+{
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        const ConfigurationRow& row = m_list->rows().at(static_cast<std::size_t>(i));
+        topLevelItem(i)->setIcon(0, markIcon(row.mark));
+        topLevelItem(i)->setData(0, Qt::AccessibleTextRole, accessibleText(row));
+    }
+}
+
+void ConfigurationView::applyColours()
+{
+    const QColor fault = faultColour(palette());
+    for (int i = 0; i < topLevelItemCount(); ++i) {
+        const ConfigurationRow& row = m_list->rows().at(static_cast<std::size_t>(i));
+        topLevelItem(i)->setForeground(statusColumn,
+                                       row.statusIsFault ? fault : palette().color(QPalette::Text));
+    }
+}
+
+// The vertical scroll bar of a long list stands over the last column, so its width is taken from
+// the widest one.
+std::vector<int> ConfigurationView::ruleWidths() const
+{
+    std::vector<int> widths;
+    for (const int twips : m_list->columnWidths(listWidth))
+        widths.push_back(twipsToPixels(twips, logicalDpiX()));
+    const int excess =
+        std::accumulate(widths.begin(), widths.end(), 0) - std::max(viewport()->width(), 1);
+    const bool placed = viewport()->width() > width() / 2;
+    if (excess > 0 && placed)
+        *std::ranges::max_element(widths) -= excess;
+    return widths;
+}
+
+void ConfigurationView::applyWidths()
+{
+    if (m_list == nullptr)
+        return;
+    const QScopedValueRollback applying(m_applying, true);
+    const auto remembered = m_userWidths.find(m_list->layout());
+    const auto& shown = m_list->columnWidths(listWidth);
+    const std::vector<int> widths =
+        remembered == m_userWidths.end() ? ruleWidths() : remembered->second;
+    for (int column = 0; column < columnCount(); ++column) {
+        const auto index = static_cast<std::size_t>(column);
+        setColumnHidden(column, shown.at(index) == 0);
+        if (shown.at(index) != 0)
+            setColumnWidth(column, widths.at(index));
+    }
+    setHorizontalScrollBarPolicy(remembered == m_userWidths.end() ? Qt::ScrollBarAlwaysOff
+                                                                  : Qt::ScrollBarAsNeeded);
+}
+
+void ConfigurationView::rememberWidths()
+{
+    if (m_applying || m_list == nullptr)
+        return;
+    std::vector<int>& widths = m_userWidths[m_list->layout()];
+    widths.clear();
+    for (int column = 0; column < columnCount(); ++column)
+        widths.push_back(columnWidth(column));
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+}
+
+void ConfigurationView::toggle(QTreeWidgetItem* item)
+{
+    Q_EMIT rowToggled(indexOfTopLevelItem(item));
+}
+
+void ConfigurationView::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() != Qt::Key_Space || currentItem() == nullptr)
+        return QTreeWidget::keyPressEvent(event);
+    if (!event->isAutoRepeat())
+        toggle(currentItem());
+}
+
+void ConfigurationView::resizeEvent(QResizeEvent* event)
+{
+    QTreeWidget::resizeEvent(event);
+    applyWidths();
+}
+
+void ConfigurationView::changeEvent(QEvent* event)
+{
+    QTreeWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange && m_list != nullptr)
+        applyColours();
+}
+
+} // namespace fldc

@@ -1,0 +1,88 @@
+#include "ui/StatusBar.h"
+
+#include "ui/Twips.h"
+
+#include <QPainter>
+#include <QStyle>
+
+#include <algorithm>
+
+namespace fldc {
+
+namespace {
+
+// Twips.
+constexpr int smallestTagWidth = 700;
+constexpr int baudWidth = 1440;
+
+constexpr int panelMargin = 3;
+
+} // namespace
+
+StatusPanel::StatusPanel(QWidget* parent) : QLabel(parent)
+{
+    setTextFormat(Qt::PlainText);
+    setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    setContentsMargins(panelMargin, 0, panelMargin, 0);
+    setMinimumWidth(1);
+    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+}
+
+void StatusPanel::showText(const QString& newText)
+{
+    if (newText == text())
+        return;
+    setText(newText);
+    setToolTip(fittingText() == newText ? QString() : newText);
+    repaint();
+}
+
+QString StatusPanel::fittingText() const
+{
+    return fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+}
+
+void StatusPanel::paintEvent(QPaintEvent* event)
+{
+    QFrame::paintEvent(event);
+    QPainter painter(this);
+    style()->drawItemText(&painter, contentsRect(), Qt::AlignLeft | Qt::AlignVCenter, palette(),
+                          isEnabled(), fittingText(), foregroundRole());
+}
+
+void StatusPanel::resizeEvent(QResizeEvent* event)
+{
+    QLabel::resizeEvent(event);
+    setToolTip(fittingText() == text() ? QString() : text());
+}
+
+StatusBar::StatusBar(QWidget* parent)
+    : QStatusBar(parent), m_tag(addPanel(QStringLiteral("panelTag"), tr("Tag"))),
+      m_status(addPanel(QStringLiteral("panelStatus"), tr("Status"))),
+      m_baud(addPanel(QStringLiteral("panelBaud"), tr("Link speed")))
+{
+    setSizeGripEnabled(false);
+    setStyleSheet(QStringLiteral("QStatusBar::item { border: none; }"));
+    addWidget(m_tag);
+    addWidget(m_status, 1);
+    addWidget(m_baud);
+    m_baud->setFixedWidth(twipsToPixels(baudWidth, logicalDpiX()));
+}
+
+StatusPanel* StatusBar::addPanel(const QString& name, const QString& accessibleName)
+{
+    auto* panel = new StatusPanel(this);
+    panel->setObjectName(name);
+    panel->setAccessibleName(accessibleName);
+    return panel;
+}
+
+void StatusBar::showTag(const QString& text)
+{
+    const int frame = 2 * (m_tag->frameWidth() + panelMargin);
+    m_tag->setFixedWidth(std::max(twipsToPixels(smallestTagWidth, logicalDpiX()),
+                                  m_tag->fontMetrics().horizontalAdvance(text) + frame));
+    m_tag->showText(text);
+}
+
+} // namespace fldc

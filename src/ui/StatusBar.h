@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QLabel>
+#include <QStatusBar>
+
+#include <array>
+
+namespace fldc {
+
+/// A one-line text that ends in "…" when it does not fit; the whole text is then its tool tip.
+class StatusPanel final : public QLabel {
+    Q_OBJECT
+
+public:
+    explicit StatusPanel(QWidget* parent);
+    /// Shows @p text at once, also when no event is served for a while.
+    void showText(const QString& text);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    [[nodiscard]] QString fittingText() const;
+};
+
+/// The status bar of the main window: a tag sized to its text, the status, which takes what is
+/// left, and the link speed.
+class StatusBar final : public QStatusBar {
+    Q_OBJECT
+
+public:
+    explicit StatusBar(QWidget* parent);
+
+    void showTag(const QString& text);
+    void showStatus(const QString& text) { m_status->showText(text); }
+    void showBaud(const QString& text) { m_baud->showText(text); }
+
+private:
+    [[nodiscard]] StatusPanel* addPanel(const QString& name, const QString& accessibleName);
+
+    StatusPanel* m_tag;
+    StatusPanel* m_status;
+    StatusPanel* m_baud;
+};
+
+} // namespace fldc

@@ -1,0 +1,235 @@
+#include "ui/frmDownload.h"
+
+#include "manager/Operation.h"
+#include "platform/IProgramInfo.h"
+#include "platform/Platform.h"
+#include "platform/PlatformFailure.h"
+#include "ui/ConfigurationView.h"
+#include "ui/StatusBar.h"
+#include "ui/frmReportDialog.h"
+#include "ui/logic/ButtonOperations.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QScopedValueRollback>
+#include <QScreen>
+#include <QTimer>
+
+#include <chrono>
+#include <utility>
+
+namespace fldc {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+// A session that is about to end and still lives after this time has been kept by the user.
+constexpr auto sessionEndLimit = 1min;
+
+// Full paths of the files of this machine in what is dragged.
+QStringList droppedFiles(const QMimeData& data)
+{
+    QStringList paths;
+    for (const QUrl& url : data.urls()) {
+        if (url.isLocalFile())
+            paths.append(url.toLocalFile());
+    }
+    return paths;
+}
+
+} // namespace
+
+DownloadWindow::ViewFactory frmDownload::factory(const Platform& platform, IFileDialogs& dialogs,
+                                                 IHelpViewer& helpViewer)
+{
+    return [&platform, &dialogs, &helpViewer](DownloadWindow& window) {
+        return std::shared_ptr<IWindowView>(
+            new frmDownload(window, platform, dialogs, helpViewer),
+            [](IWindowView* view) { static_cast<frmDownload*>(view)->dispose(); });
+    };
+}
+
+frmDownload::frmDownload(DownloadWindow& window, const Platform& platform, IFileDialogs& dialogs,
+                         IHelpViewer& helpViewer)
+    : m_window(&window), m_operations(std::make_shared<ButtonOperations>(
+                             window.weak_from_this(), platform, dialogs, helpViewer)),
+      m_platform(platform)
+{
+    setObjectName(QStringLiteral("frmDownload"));
+    setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                   Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
+    setWindowTitle(window.caption());
+    setAcceptDrops(true);
+    makeControls();
+    for (const WindowPart part : {WindowPart::Ports, WindowPart::BaudRate, WindowPart::AccessLevel,
+                                  WindowPart::Status, WindowPart::FileName, WindowPart::Progress,
+                                  WindowPart::Configurations, WindowPart::Controls})
+        windowChanged(part);
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, this, &frmDownload::onSessionEnds);
+}
+
+frmDownload::~frmDownload() = default;
+
+// The deleter of the window's pointer.
+void frmDownload::dispose()
+{
+    m_window = nullptr;
+    ListView1->detach();
+    hide();
+    if (m_handling > 0 || operationRuns())
+        deleteLater();
+    else
+        delete this;
+}
+
+void frmDownload::showView()
+{
+    if (QApplication::activeModalWidget() != nullptr)
+        throw PlatformFailure(FailureNumber::ModalWindowOpen);
+    if (!std::exchange(m_placed, true))
+        centreOnScreen();
+    show();
+}
+
+void frmDownload::centreOnScreen()
+{
+    const QRect available = screen()->availableGeometry();
+    move(available.center() - rect().center());
+}
+
+void frmDownload::windowChanged(WindowPart part)
+{
+    switch (part) {
+    case WindowPart::Ports:
+        return showPorts();
+    case WindowPart::BaudRate:
+        return showBaudRate();
+    case WindowPart::AccessLevel:
+        return chkAccessLevel->setChecked(m_window->accessLevelChecked());
+    case WindowPart::Status:
+        stsStatus->showTag(m_window->statusPanelTag());
+        stsStatus->showStatus(m_window->statusPanelStatus());
+        return stsStatus->showBaud(m_window->statusPanelBaud());
+    case WindowPart::FileName:
+        return txtCurrentDownload->setText(m_window->fileName());
+    case WindowPart::Progress:
+        return prgDownloadProgress->setValue(m_window->progress());
+    case WindowPart::Configurations:
+        return ListView1->refill();
+    case WindowPart::Marks:
+        return ListView1->showMarks();
+    case WindowPart::Controls:
+        return showEnabled();
+    }
+}
+
+void frmDownload::showPorts()
+{
+    if (cboPort->count() == 0)
+        cboPort->addItems(m_window->portEntries());
+    // The toolkit keeps its own index when text is typed: what it holds may be the same number.
+    cboPort->setCurrentIndex(m_window->portIndex());
+    cboPort->setEditText(m_window->portText());
+    cboPort->lineEdit()->setCursorPosition(0);
+}
+
+void frmDownload::showBaudRate()
+{
+    const int index = m_window->baudRateIndex();
+    if (index < 0)
+        return; // typed text stays
+    cboBaudRate->setCurrentIndex(index);
+    cboBaudRate->setEditText(m_window->baudRateEntry(index));
+}
+
+void frmDownload::showEnabled()
+{
+    for (QWidget* each : {static_cast<QWidget*>(cmdConfig), static_cast<QWidget*>(cmdDownload),
+                          static_cast<QWidget*>(cboPort)})
+        each->setEnabled(m_window->controlsEnabled());
+    cmdErase->setEnabled(m_window->eraseEnabled());
+    if (m_window->controlsEnabled())
+        unsetCursor();
+    else
+        setCursor(Qt::BusyCursor);
+}
+
+// Calls into the window and keeps it and this view for as long as that takes.
+void frmDownload::whileHandling(const std::function<void()>& steps)
+{
+    if (m_window == nullptr)
+        return;
+    const auto held = m_window->shared_from_this();
+    const QScopedValueRollback handling(m_handling, m_handling + 1);
+    steps();
+}
+
+void frmDownload::run(Operation operation)
+{
+    whileHandling([&] {
+        const auto operations = m_operations;
+        (operations.get()->*operation)();
+    });
+}
+
+void frmDownload::askForHelp()
+{
+    whileHandling([this] { m_operations->Help(winId()); });
+}
+
+void frmDownload::showFailureReport(const QString& text, std::function<void()> closed)
+{
+    auto* dialog = new frmReportDialog(this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setReport(text);
+    connect(dialog, &QDialog::finished, this, std::move(closed));
+    dialog->open();
+}
+
+void frmDownload::showNotice(const QString& text)
+{
+    auto* box = new QMessageBox(QMessageBox::Information, m_platform.program.title(), text,
+                                QMessageBox::Ok, this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
+}
+
+void frmDownload::onSessionEnds()
+{
+    m_sessionEnds = true;
+    QTimer::singleShot(sessionEndLimit, this, [this] { m_sessionEnds = false; });
+}
+
+void frmDownload::closeEvent(QCloseEvent* event)
+{
+    whileHandling([&] {
+        if (!m_window->requestClose(m_sessionEnds))
+            event->ignore();
+    });
+}
+
+void frmDownload::dragEnterEvent(QDragEnterEvent* event)
+{
+    if (m_window != nullptr && m_window->controlsEnabled() &&
+        !droppedFiles(*event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+// The program that the files come from waits for the end of the drop: the download starts after it.
+void frmDownload::dropEvent(QDropEvent* event)
+{
+    event->acceptProposedAction();
+    QTimer::singleShot(0, this, [this, paths = droppedFiles(*event->mimeData())] {
+        whileHandling([&] { m_operations->DownloadFiles(paths); });
+    });
+}
+
+} // namespace fldc

@@ -1,0 +1,214 @@
+#include "ui/frmDownload.h"
+
+#include "ui/ConfigurationView.h"
+#include "ui/FittingFont.h"
+#include "ui/StatusBar.h"
+#include "ui/frmIcon.h"
+#include "ui/logic/ButtonOperations.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QShortcut>
+#include <QStyle>
+
+namespace fldc {
+
+namespace {
+
+constexpr double frameTitlePointSize = 9.75;
+// Pixels that a button needs beside its text.
+constexpr int buttonMargin = 8;
+constexpr int helpPicturePixels = 13;
+
+QString withoutMnemonic(QString text)
+{
+    return text.remove(u'&');
+}
+
+// The text of the buttons of a row gets the same look, that of the longest one.
+QFont buttonFont(int width)
+{
+    return fittingFont(windowFont(), QStringLiteral("Report Configuration"), width);
+}
+
+} // namespace
+
+template <class Widget>
+Widget* frmDownload::place(Control control, Widget* widget)
+{
+    const ControlPosition& position = positionOf(control);
+    widget->setObjectName(position.name);
+    widget->setGeometry(toPixels(position.place, *this));
+    return widget;
+}
+
+void frmDownload::makeControls()
+{
+    setWindowIcon(frmIcon::picture(QStringLiteral("download")));
+    setFixedSize(toPixels({0, 0, clientWidth, clientHeight}, *this).size());
+    setFont(
+        buttonFont(toPixels(positionOf(Control::cmdConfig).place, *this).width() - buttonMargin));
+
+    chkAccessLevel =
+        place(Control::chkAccessLevel, new QCheckBox(tr("Allow Unprotected Upgrade"), this));
+    const int indicator = chkAccessLevel->style()->pixelMetric(QStyle::PM_IndicatorWidth) +
+                          chkAccessLevel->style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing);
+    chkAccessLevel->setFont(
+        fittingFont(font(), chkAccessLevel->text(), chkAccessLevel->width() - indicator - 2));
+    chkAccessLevel->setVisible(m_window->accessLevelVisible());
+
+    QLabel* portLabel = makeLabel(Control::Label1, tr("Port"));
+    cboPort = makeCombo(Control::cboPort);
+    portLabel->setBuddy(cboPort);
+    QLabel* speedLabel = makeLabel(Control::Label2, tr("Baud Rate"));
+    cboBaudRate = makeCombo(Control::cboBaudRate);
+    speedLabel->setBuddy(cboBaudRate);
+    for (int i = 0; i < m_window->baudRateCount(); ++i)
+        cboBaudRate->addItem(m_window->baudRateEntry(i));
+
+    cmdConfig = makeButton(Control::cmdConfig, tr("&Report Configuration"),
+                           &ButtonOperations::ReportConfiguration);
+    cmdErase = makeButton(Control::cmdErase, tr("&Erase Configuration"),
+                          &ButtonOperations::EraseConfiguration);
+    cmdDownload = makeButton(Control::cmdDownload, tr("&Download"), &ButtonOperations::Download);
+    makeHelpButton();
+    makeFrame();
+
+    txtCurrentDownload = place(Control::txtCurrentDownload, new QLineEdit(this));
+    txtCurrentDownload->setReadOnly(true);
+    txtCurrentDownload->setAcceptDrops(false);
+    makeLabel(Control::lblProgress, tr("Progress :"));
+    prgDownloadProgress = place(Control::prgDownloadProgress, new QProgressBar(this));
+    prgDownloadProgress->setRange(0, 100);
+    makeLabel(Control::lblCurrentDownload, tr("Current Download :"))->setBuddy(txtCurrentDownload);
+    stsStatus = place(Control::stsStatus, new StatusBar(this));
+
+    connectControls();
+    describeControls();
+    setTabOrderOfControls();
+}
+
+QLabel* frmDownload::makeLabel(Control control, const QString& text)
+{
+    return place(control, new QLabel(text, this));
+}
+
+QPushButton* frmDownload::makeButton(Control control, const QString& text, Operation operation)
+{
+    QWidget* holder = positionOf(control).inFrame ? fraConfiguration : this;
+    auto* button = place(control, new QPushButton(text, holder));
+    button->setFont(
+        fittingFont(button->font(), withoutMnemonic(text), button->width() - buttonMargin));
+    connect(button, &QPushButton::clicked, this, [this, operation] { run(operation); });
+    return button;
+}
+
+// Text can be typed without an entry being chosen. The toolkit would choose the entry that equals
+// the typed text when the box loses the focus, and complete what is typed.
+QComboBox* frmDownload::makeCombo(Control control)
+{
+    auto* combo = place(control, new QComboBox(this));
+    combo->setEditable(true);
+    combo->setInsertPolicy(QComboBox::NoInsert);
+    combo->setCompleter(nullptr);
+    disconnect(combo->lineEdit(), &QLineEdit::editingFinished, combo, nullptr);
+    combo->lineEdit()->setAcceptDrops(false);
+    combo->setAcceptDrops(false);
+    return combo;
+}
+
+void frmDownload::makeHelpButton()
+{
+    cmdHelp = place(Control::cmdHelp, new QPushButton(this));
+    cmdHelp->setIcon(frmIcon::picture(QStringLiteral("help")));
+    cmdHelp->setIconSize(QSize(helpPicturePixels, helpPicturePixels));
+    connect(cmdHelp, &QPushButton::clicked, this, &frmDownload::askForHelp);
+    auto* key = new QShortcut(QKeySequence(Qt::Key_F1), this);
+    connect(key, &QShortcut::activated, this, &frmDownload::askForHelp);
+}
+
+void frmDownload::makeFrame()
+{
+    auto* frame = place(Control::fraConfiguration, new QGroupBox(tr("Configuration"), this));
+    fraConfiguration = frame;
+    const QFont textFont = font();
+    QFont titleFont = windowFont();
+    titleFont.setPointSizeF(frameTitlePointSize);
+    titleFont.setBold(true);
+    frame->setFont(titleFont);
+
+    // The list fills its place to the last pixel, or its columns would not fit: the border is
+    // around it.
+    auto* border = new QFrame(frame);
+    border->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    ListView1 = place(Control::ListView1, new ConfigurationView(m_window->configurations(), frame));
+    border->setGeometry(ListView1->geometry().adjusted(-1, -1, 1, 1));
+    ListView1->setFont(textFont);
+    ListView1->header()->setFont(textFont);
+    cmdSaveDetails =
+        makeButton(Control::cmdSaveDetails, tr("&Save Details"), &ButtonOperations::SaveDetails);
+    cmdSaveDetails->setFont(textFont);
+}
+
+void frmDownload::connectControls()
+{
+    connect(cboPort, &QComboBox::activated, this,
+            [this](int index) { whileHandling([&] { m_window->selectPort(index); }); });
+    connect(cboPort->lineEdit(), &QLineEdit::textEdited, this,
+            [this](const QString& text) { whileHandling([&] { m_window->typePort(text); }); });
+    connect(cboPort, &QComboBox::editTextChanged, cboPort, &QWidget::setToolTip);
+    connect(cboBaudRate, &QComboBox::activated, this,
+            [this](int index) { whileHandling([&] { m_window->setBaudRateIndex(index); }); });
+    connect(cboBaudRate->lineEdit(), &QLineEdit::textEdited, this,
+            [this] { whileHandling([&] { m_window->setBaudRateIndex(-1); }); });
+    connect(chkAccessLevel, &QCheckBox::toggled, this, [this](bool checked) {
+        whileHandling([&] { m_window->setAccessLevelChecked(checked); });
+    });
+    connect(ListView1, &ConfigurationView::rowToggled, this, [this](int row) {
+        whileHandling([&] { m_window->toggleMark(static_cast<std::size_t>(row)); });
+    });
+}
+
+void frmDownload::describeControls()
+{
+    chkAccessLevel->setToolTip(tr("Put the radio into its special upgrade mode for the next "
+                                  "download or erasure; it then needs a hard reset"));
+    cboBaudRate->setToolTip(tr("Fastest link speed to try for a download; Auto starts at 115200"));
+    cmdConfig->setToolTip(tr("Read the list of the radio's components"));
+    cmdErase->setToolTip(tr("Erase the components that are ticked in the list"));
+    cmdDownload->setToolTip(tr("Choose firmware files and write them into the radio; files can "
+                               "also be dropped on this window"));
+    cmdHelp->setToolTip(tr("Help (F1)"));
+    ListView1->setToolTip(tr("Click a row with a box, or press the space bar, to tick it for "
+                             "erasure"));
+    cmdSaveDetails->setToolTip(tr("Save this list as a comma-separated text file"));
+    prgDownloadProgress->setToolTip(tr("How much of the present file has been written"));
+
+    cboPort->setAccessibleName(tr("Port"));
+    cboBaudRate->setAccessibleName(tr("Baud Rate"));
+    cmdHelp->setAccessibleName(tr("Help"));
+    ListView1->setAccessibleName(tr("Configuration"));
+    txtCurrentDownload->setAccessibleName(tr("Current Download"));
+    prgDownloadProgress->setAccessibleName(tr("Progress"));
+    stsStatus->setAccessibleName(tr("Status"));
+}
+
+void frmDownload::setTabOrderOfControls()
+{
+    QWidget* previous = nullptr;
+    for (const ControlPosition& position : controlPositions) {
+        auto* widget = findChild<QWidget*>(position.name);
+        if (previous != nullptr)
+            setTabOrder(previous, widget);
+        previous = widget;
+    }
+    cboPort->setFocus();
+}
+
+} // namespace fldc
