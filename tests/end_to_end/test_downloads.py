@@ -1,0 +1,208 @@
+"""Whole downloads to simulated radios, with and without faults: the flash against the firmware file byte
+by byte, the outcome that the program reports, its exit code, closed logs, and the time it took.
+
+Called with the paths of the program, the simulator and the sample firmware."""
+
+import concurrent.futures
+import os
+import pathlib
+import pty
+import signal
+import subprocess
+import sys
+import time
+import unittest
+
+from workbench import Workbench, records
+
+PROGRAM, SIMULATOR = sys.argv[1], sys.argv[2]
+SAMPLES = pathlib.Path(sys.argv[3]).resolve()
+DONE = "Download successful"
+
+# Profile, files, faults, outcome, most seconds. Faults are those of the simulator.
+CASES = [
+    # Radios as they come.
+    ("rv4200", "application.srec dsp.srec", "", DONE, 20),
+    ("rv4100", "shared_application.srec bundle.srec", "", DONE, 20),
+    ("rv6100", "application.srec dsp.srec", "", DONE, 30),
+    ("rh6100", "application.srec dsp.srec", "", DONE, 20),
+    # Radios with habits: slow answers, busy words, answers in pieces, lost speeds, other flash commands.
+    ("rv4100", "shared_application.srec", "split=1/2", DONE, 60),
+    ("rv4100", "shared_application.srec", "busy@33=5/400 busy@31=3", DONE, 30),
+    ("rv4100", "shared_application.srec", "delay@35:2=1500 delay@3D:2=1900", DONE, 30),
+    ("rv4100", "shared_application.srec", "ignores-speed=115200", DONE, 30),
+    ("rv4100", "shared_application.srec", "unknown=3C unknown=3E", DONE, 40),
+    ("rv4100", "shared_application.srec", "already-in-upgrade-mode=57600", DONE, 40),
+    ("rv4100", "shared_application.srec", "fault@35:2=8002 fault@33:1=8003 corrupt@3E:1", DONE, 30),
+    ("rv4100", "shared_application.srec", "f1-power-cycle power-cycle-after=5", DONE, 60),
+    # Faults that end the run.
+    ("rv4100", "shared_application.srec", "deaf=115200", "Error 56 - ", 30),
+    ("rv4100", "shared_application.srec", "silent-after=0 silent@start", "Error 42 - ", 40),
+    ("rv4100", "shared_application.srec", "silent@logon", "Error 22 - ", 20),
+    ("rv4100", "shared_application.srec", "silent@31", "Error 42 - ", 40),
+    ("rv4100", "shared_application.srec", "corrupt@31:1", "Error 55 - ", 20),
+    ("rv4100", "shared_application.srec", "cut@31:1=5", "Error 42 - ", 40),
+    ("rv4100", "shared_application.srec", "garbage@31=00FF1337", "Error 51 - ", 20),
+    ("rv4100", "shared_application.srec", "fault@42=810F", "Error 8113 - ", 20),
+    ("rv4100", "shared_application.srec", "fault@33=8104", "Error 8104 - ", 20),
+    ("rv4100", "shared_application.srec", "busylist@33=AEAE0003", "Error 59 - ", 20),
+    ("rv4100", "shared_application.srec", "fault@3D=8105", "Error 8105 - ", 20),
+    ("rv4100", "shared_application.srec", "fault@3D=8104", "Error 8104 - ", 30),
+    ("rv4100", "shared_application.srec", "silent@39:1", "Error 42 - ", 20),
+    ("rv4100", "shared_application.srec", "f1-power-cycle", "Error 21 - ", 40),
+    # The adapter is pulled out.
+    ("rv4100", "shared_application.srec", "hangup@start", "Error 11 - ", 10),
+    ("rv4100", "shared_application.srec", "hangup@logon", "Error 22 - ", 10),
+    ("rv4100", "shared_application.srec", "hangup@30", "Error 56 - ", 10),
+    ("rv4100", "shared_application.srec", "hangup@31", "Error 15 - ", 10),
+    ("rv4100", "shared_application.srec", "hangup@42", "Error 15 - ", 10),
+    ("rv4100", "shared_application.srec", "hangup@3E", "Error 15 - ", 10),
+    ("rv4100", "shared_application.srec", "hangup@32", "Error 15 - ", 10),
+    ("rv4100", "shared_application.srec", "hangup@33", "Error 15 - ", 10),
+    ("rv4100", "shared_application.srec", "hangup@3C", "Error 15 - ", 10),
+    ("rv4100", "shared_application.srec", "hangup@3D:3", "Error 15 - ", 10),
+    ("rv4100", "shared_application.srec", "hangup@39", "Error 15 - ", 10),
+    ("rv4200", "application.srec", "hangup@boot", "Error 15 - ", 10),
+]
+
+
+def workbench(profile, faults=(), **more):
+    return Workbench(PROGRAM, SIMULATOR, SAMPLES, profile, faults, **more)
+
+
+def missing_bytes(path, devices):
+    """Records of the file that no one memory device holds at their address."""
+    lost = []
+    for _, address, data in records(path):
+        for unit, start, content in devices.values():
+            at = (address - start) * unit
+            if at >= 0 and content[at:at + len(data)] == data:
+                break
+        else:
+            lost.append(f"{path.name} at {address:08X}")
+    return lost
+
+
+def run_case(case):
+    profile, names, faults, outcome, seconds = case
+    files = [SAMPLES / profile / name for name in names.split()]
+    with workbench(profile, faults.split()) as bench:
+        start = time.monotonic()
+        code, printed = bench.download(*files)
+        took = time.monotonic() - start
+        problems = []
+        if code != 0 or printed:
+            problems.append(f"exit code {code}, printed: {printed}")
+        if not bench.outcome().startswith(outcome):
+            problems.append(f"outcome: {bench.outcome()}")
+        if took > seconds:
+            problems.append(f"took {took:.1f} s")
+        for name in ("0_Download.log", "0_Config.log"):
+            log = bench.log(name)
+            if log.count("START LOG") != log.count("END LOG"):
+                problems.append(f"{name} was left open")
+        if outcome == DONE:
+            devices, _ = bench.flash()
+            problems += [lost for file in files for lost in missing_bytes(file, devices)[:3]]
+        if problems:
+            problems += [bench.log()[-1500:], (bench.folder / "radio.txt").read_text()[-1500:]]
+        return problems
+
+
+class Downloads(unittest.TestCase):
+    def test_every_radio_and_fault(self):
+        # The runs mostly wait for time-outs, so many go side by side.
+        with concurrent.futures.ThreadPoolExecutor(8) as pool:
+            for case, problems in zip(CASES, pool.map(run_case, CASES)):
+                with self.subTest(case=case):
+                    self.assertFalse(problems, "\n".join(problems))
+
+    def test_the_radio_reports_what_was_written(self):
+        with workbench("rv4200") as bench:
+            bench.download(SAMPLES / "rv4200/application.srec", SAMPLES / "rv4200/dsp.srec")
+            config = bench.log("0_Config.log")
+            before, after = config.split("After download...")
+            self.assertIn("JHA2F-1.20", before)
+            self.assertIn("JHA2F-2.03", after)
+            self.assertIn("JHA2A-1.10", after)
+            self.assertIn("JHA2F-2.03", bench.flash()[1])
+
+    def test_a_file_that_fits_nowhere_is_named(self):
+        with workbench("rv4200") as bench:
+            code, _ = bench.download(SAMPLES / "rv4100/shared_application.srec")
+            self.assertEqual(code, 0)
+            self.assertEqual(bench.outcome(), DONE)
+
+    def test_a_boot_file_that_is_not_there(self):
+        with workbench("rv4200") as bench:
+            (bench.folder / "JHA2U.Srec").unlink()
+            bench.download(SAMPLES / "rv4200/application.srec")
+            self.assertEqual(bench.outcome(), "Error 33 - File does not exist")
+
+    def test_an_fpga_image_is_declined_with_nobody_to_ask(self):
+        with workbench("rv4100") as bench:
+            bench.download(SAMPLES / "rv4100/fpga.srec")
+            self.assertEqual(bench.outcome(), "Error 1 - User cancelled upgrade")
+            self.assertNotIn("Sent", bench.log())
+
+    def test_a_port_that_another_program_holds(self):
+        with workbench("rv4100", ["silent@31"]) as bench:
+            first = bench.start("/p", "1", "/f", str(SAMPLES / "rv4100\\bundle.srec").replace("/", "\\"))
+            time.sleep(2)
+            (bench.folder / "second").mkdir()
+            second = subprocess.run([PROGRAM, "/p", "1", "/f", "x"], timeout=30,
+                                    env={**bench.environment(), "RV4100_FLDC_HOME": str(bench.folder)})
+            self.assertEqual(second.returncode, 0)
+            self.assertIn("Error 12 - Serial port in use by another application", bench.log("1_Download.log"))
+            first.send_signal(signal.SIGTERM)
+            self.assertEqual(first.wait(timeout=10), 1)
+
+    def test_an_interrupt_ends_the_run_in_order(self):
+        with workbench("rv4100", ["silent@31"]) as bench:
+            run = bench.start("/p", "1", "/f", str(SAMPLES / "rv4100\\bundle.srec").replace("/", "\\"))
+            time.sleep(2)
+            start = time.monotonic()
+            run.send_signal(signal.SIGINT)
+            self.assertEqual(run.wait(timeout=10), 1)
+            self.assertLess(time.monotonic() - start, 1)
+            self.assertEqual(bench.outcome(), "Error 1 - User cancelled upgrade")
+            self.assertTrue(bench.log().rstrip().endswith("*" * 42))
+
+    def test_exit_codes_and_usage(self):
+        with workbench("rv4100") as bench:
+            for arguments, code, text in [(["/?"], 0, "RV4100_FLDC Usage"),
+                                          (["/r", "1"], 1, "RV4100_FLDC Usage"),
+                                          (["/g", "/f", "a"], 1, "RV4100_FLDC Usage"),
+                                          (["/F", "a"], 1, "RV4100_FLDC Usage"),
+                                          (["/f", "a", "/f", "b"], 1, "/f is given twice"),
+                                          (["/r", "x", "/f", "a"], 1, "/r takes a number"),
+                                          (["/p", "40000", "/f", "a"], 1, "/p takes a number")]:
+                with self.subTest(arguments=arguments):
+                    run = bench.start(*arguments)
+                    out, err = run.communicate(timeout=20)
+                    self.assertEqual(run.returncode, code)
+                    self.assertIn(text, out if text.endswith("Usage") else err)
+
+    def test_a_terminal_shows_status_and_progress(self):
+        with workbench("rv4200") as bench:
+            ours, theirs = pty.openpty()
+            file = str(SAMPLES / "rv4200/application.srec").replace("/", "\\")
+            run = subprocess.Popen([PROGRAM, "/p", "1", "/f", file], env=bench.environment(),
+                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=theirs)
+            os.close(theirs)
+            shown = b""
+            while True:
+                try:
+                    piece = os.read(ours, 4096)
+                except OSError:
+                    break
+                shown += piece
+            self.assertEqual(run.wait(timeout=60), 0)
+            self.assertIn(b"Erasing flash...", shown)
+            self.assertIn(b"100 %", shown)
+            self.assertTrue(shown.rstrip().endswith(DONE.encode()))
+            os.close(ours)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1], verbosity=1)
