@@ -33,6 +33,11 @@ constexpr std::array standardSpeeds{
     StandardSpeed{57600, B57600}, StandardSpeed{115200, B115200},
 };
 
+/// A caller begins to wait for the answer when write() returns. With more than a frame still queued
+/// that could run out before the radio has heard the end: the system's buffer holds 4096 bytes,
+/// which are 2 seconds at 19200.
+constexpr int mostQueued = 512;
+
 tcflag_t speedConstant(std::uint32_t speed)
 {
     const auto* found = std::ranges::find(standardSpeeds, speed, &StandardSpeed::bitsPerSecond);
@@ -181,6 +186,8 @@ int SerialLine::receive(QByteArray& received, qsizetype limit)
 
 int SerialLine::write(const QByteArray& bytes)
 {
+    if (const int error = waitForQueue(mostQueued))
+        return error;
     const char* next = bytes.constData();
     qsizetype left = bytes.size();
     const auto deadline = sendDeadline(queuedBytes() + left, m_speed);
@@ -213,28 +220,38 @@ int SerialLine::write(const QByteArray& bytes)
 
 int SerialLine::drain()
 {
-    int queued = queuedBytes();
-    const auto deadline = sendDeadline(std::max(queued, 0), m_speed);
-    // TCSBRK alone would wait without end for an adapter that takes no more bytes.
-    while (queued > 0) {
-        const auto remaining = deadline - SteadyClock::now();
-        if (remaining <= 0ns) {
-            discardQueued();
-            return ETIMEDOUT;
-        }
-        const auto wait = std::min<std::chrono::nanoseconds>(wireTime(queued, m_speed), remaining);
-        if (!waitForLine(descriptor(), 0, wait))
-            return EIO;
-        queued = queuedBytes();
-    }
+    if (const int error = waitForQueue(0))
+        return error;
+    const auto deadline = sendDeadline(0, m_speed);
     // The queue is empty: what may be left is in the transmitter, which takes a moment.
-    while (queued == 0 && ::ioctl(descriptor(), TCSBRK, 1) == -1) {
+    while (::ioctl(descriptor(), TCSBRK, 1) == -1) {
         if (errno != EINTR)
             return errno;
         if (SteadyClock::now() >= deadline)
             return ETIMEDOUT;
     }
-    return queued == 0 ? 0 : EIO;
+    return 0;
+}
+
+/// Waits until at most @p most bytes are queued. TCSBRK alone would wait without end for an adapter
+/// that takes no more bytes.
+int SerialLine::waitForQueue(int most)
+{
+    int queued = queuedBytes();
+    const auto deadline = sendDeadline(std::max(queued, 0), m_speed);
+    while (queued > most) {
+        const auto remaining = deadline - SteadyClock::now();
+        if (remaining <= 0ns) {
+            discardQueued();
+            return ETIMEDOUT;
+        }
+        const auto wait =
+            std::min<std::chrono::nanoseconds>(wireTime(queued - most, m_speed), remaining);
+        if (!waitForLine(descriptor(), 0, wait))
+            return EIO;
+        queued = queuedBytes();
+    }
+    return queued < 0 ? EIO : 0;
 }
 
 int SerialLine::discardReceived()

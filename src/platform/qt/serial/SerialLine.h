@@ -38,7 +38,8 @@ public:
 
     /// Appends what has arrived to @p received, at most @p limit bytes (4096 at a time).
     [[nodiscard]] int receive(QByteArray& received, qsizetype limit);
-    /// Hands all of @p bytes to the system. Waits while its buffer is full, at most twice the time
+    /// Hands all of @p bytes to the system, at once unless more than a frame is still queued from
+    /// before. Waits while its buffer is full, at most twice the time
     /// that the line needs for what is queued, and a margin; then ETIMEDOUT, and what is queued is
     /// thrown away.
     [[nodiscard]] int write(const QByteArray& bytes);
@@ -48,6 +49,7 @@ public:
     [[nodiscard]] int discardReceived();
 
 private:
+    [[nodiscard]] int waitForQueue(int most);
     [[nodiscard]] int queuedBytes() const;
     void discardQueued();
     [[noreturn]] void fail(int error) const;
