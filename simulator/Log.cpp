@@ -32,7 +32,7 @@ void Log::heard(ByteView bytes, std::string_view meaning)
 
 void Log::said(ByteView bytes, Clock::duration after)
 {
-    const auto ms = std::chrono::duration_cast<milliseconds>(after).count();
+    const auto ms = std::chrono::round<milliseconds>(after).count();
     write("->", hexText(bytes) + (ms > 0 ? "  (in " + std::to_string(ms) + " ms)" : ""));
 }
 

@@ -43,9 +43,10 @@ void Line::receive()
     if (bytes.empty())
         return;
     if (m_deaf || (before != m_speed && m_sampledSpeed != m_speed)) {
+        const bool onlyDeaf = m_sampledSpeed == m_speed;
         m_log.event("Not heard: " + std::to_string(bytes.size()) + " byte(s) at " +
                     speedText(m_sampledSpeed) + ", the radio " +
-                    (m_deaf ? "is deaf at " : "listens at ") + speedText(m_speed));
+                    (onlyDeaf ? "is deaf to it" : "listens at " + speedText(m_speed)));
         m_log.heard(bytes, "not heard");
         return;
     }
@@ -96,7 +97,7 @@ void Line::transmit(Time now)
         m_log.event("Lost: " + std::to_string(due.size()) + " byte(s) said at " +
                     speedText(m_speed) +
                     (!present ? " while nobody has the line open"
-                     : m_deaf ? " on a line that does not carry it"
+                     : m_deaf ? ", which does not get through"
                               : " while the host listens at " + speedText(hostSpeed)));
     } else {
         done = m_terminal.write(due);
