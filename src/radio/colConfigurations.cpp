@@ -9,23 +9,25 @@ namespace fldc {
 namespace {
 
 constexpr qsizetype charDigits = 4;
-constexpr qsizetype fieldDigits = 12; // address and status
+constexpr qsizetype fieldDigits = 12;  // address and status
+constexpr qsizetype networkDigits = 4; // network and device number
 
 struct Parts {
     QStringView product;
     QStringView fields; ///< address, status, and perhaps network and device number
 };
 
-// A terminator inside the address and status of a text without one is told by its place: behind the
-// real terminator stand at least the fields.
+// A text too short for the fields has none. A terminator inside the address and status of a text
+// without one is told by its place: behind the real terminator stand at least the fields.
 Parts split(QStringView data)
 {
     for (qsizetype i = 0; i + charDigits + fieldDigits <= data.size(); i += charDigits) {
         if (data.sliced(i, charDigits) == u"0000")
             return {data.first(i), data.sliced(i + charDigits)};
     }
-    const qsizetype product = std::max<qsizetype>(0, data.size() - fieldDigits);
-    return {data.first(product), data.sliced(product)};
+    if (data.size() < fieldDigits)
+        throw PlatformFailure(FailureNumber::InvalidArgument);
+    return {data.chopped(fieldDigits), data.last(fieldDigits)};
 }
 
 QString decodeProduct(QStringView digits)
@@ -52,6 +54,8 @@ std::shared_ptr<clsConfiguration> colConfigurations::Add(const QString& data,
     configuration->setStatus(hexToInt(parts.fields.mid(8, 4)));
     const QStringView numbers = parts.fields.mid(fieldDigits);
     if (!numbers.isEmpty()) {
+        if (numbers.size() < networkDigits)
+            throw PlatformFailure(FailureNumber::TypeMismatch);
         configuration->setNetWorkID(static_cast<std::int16_t>(hexToInt(numbers.mid(0, 2))));
         configuration->setDeviceID(static_cast<std::int16_t>(hexToInt(numbers.mid(2, 2))));
     }
