@@ -6,6 +6,8 @@
 #include "platform/IProgramInfo.h"
 #include "platform/ShowError.h"
 
+#include <utility>
+
 namespace fldc {
 
 namespace {
@@ -43,13 +45,14 @@ clsLogFile::clsLogFile(const Platform& platform) : m_platform(platform) {}
 clsLogFile::~clsLogFile()
 {
     if (LogFileOpen())
-        CloseLogFile();
+        writeFooterAndClose();
 }
 
 void clsLogFile::OpenLogFile(const QString& strComPort)
 {
     if (!logState().enabled || LogFileOpen())
         return;
+    m_givenUp = false;
     try {
         m_file = m_platform.files.openForAppending(m_fileName);
         writeLine(rule);
@@ -73,28 +76,36 @@ void clsLogFile::LogEntry(const QString& strEntry, LogEntryType eEntryType)
     try {
         writeLine(dateTimeText(m_platform.clock.now()) + u' ' + prefixOf(eEntryType) + strEntry);
     } catch (...) {
-        // Shown once: what follows is dropped without further reports.
         m_file.reset();
+        m_givenUp = true;
         ShowError(currentFailure());
     }
 }
 
 void clsLogFile::CloseLogFile()
 {
-    if (!logState().enabled && !LogFileOpen())
+    if (!logState().enabled || std::exchange(m_givenUp, false))
         return;
+    if (LogFileOpen())
+        writeFooterAndClose();
+    else
+        ShowError(PlatformFailure(FailureNumber::ObjectNotSet,
+                                  QStringLiteral("The log file is not open")));
+}
+
+// Touches nothing of the log behind the error box: who serves it may have released the log.
+void clsLogFile::writeFooterAndClose()
+{
     try {
-        if (!LogFileOpen())
-            throw PlatformFailure(FailureNumber::ObjectNotSet,
-                                  QStringLiteral("The log file is not open"));
         writeLine({});
         writeLine(QStringLiteral("END LOG (") + dateTimeText(m_platform.clock.now()) + u')');
         writeLine(rule);
         m_file->close();
+        m_file.reset();
     } catch (...) {
+        m_file.reset();
         ShowError(currentFailure());
     }
-    m_file.reset();
 }
 
 void clsLogFile::writeLine(const QString& line)

@@ -36,17 +36,20 @@ public:
 
     /// Nothing when the log is open already.
     void OpenLogFile(const QString& strComPort);
-    /// One line; nothing when the log is closed.
+    /// One line; nothing when the log is closed. A log that can't be written is given up: its
+    /// failure is shown once and it is closed.
     void LogEntry(const QString& strEntry, LogEntryType eEntryType);
-    /// Closing a log that is not open is a failure.
+    /// Closing a log that is not open is a failure, unless it was given up.
     void CloseLogFile();
 
 private:
+    void writeFooterAndClose();
     void writeLine(const QString& line);
 
     Platform m_platform;
     QString m_fileName;
     std::unique_ptr<IOutputFile> m_file;
+    bool m_givenUp = false; ///< a failed write closed it, and that has been shown
 };
 
 } // namespace fldc
