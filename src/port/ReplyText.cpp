@@ -2,6 +2,9 @@
 
 #include "shared/HexText.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace fldc {
 
 namespace {

@@ -14,6 +14,7 @@
 #include <array>
 #include <limits>
 #include <span>
+#include <utility>
 
 namespace fldc {
 
@@ -161,42 +162,51 @@ QString clsSerial::ReadBinary(std::int16_t intTimeout, const QString& strExist,
     return text;
 }
 
-// Reads until the reply is finished. The time-out is counted in whole periods: it fails when one
-// passes without a byte. A busy mark starts the period anew.
+// Reads until the reply is finished. The outcome is this read's own, whatever the events that it
+// serves record meanwhile.
 template <class Reply>
-bool clsSerial::readReply(Reply& reply, milliseconds timeout, int maximumBusyMarks)
+bool clsSerial::readReply(Reply& reply, milliseconds timeout, int busyMarksAllowed)
 {
     if (cancelled() || !m_timer.StartTimer(timeout))
         return false;
+    bool finished = false;
     try {
-        const auto control = m_control; // a client may give the port another one meanwhile
-        const auto end = m_platform.clock.monotonic() + longestRead;
-        bool dataSeen = false;
-        int busyMarks = 0;
-        while (!reply.finished()) {
-            const auto byte = nextByte(*control);
-            if (cancelled())
-                break;
-            dataSeen |= byte.has_value();
-            const bool busy = byte && reply.take(*byte);
-            if (busy)
-                ++busyMarks;
-            if (busyMarks > maximumBusyMarks || m_platform.clock.monotonic() > end) {
-                lastError().set(Code::MaximumTimeExceeded);
-                break;
-            }
-            if (m_timer.blnTimerExpired() && !std::exchange(dataSeen, false)) {
-                lastError().set(Code::NoResponse);
-                break;
-            }
-            if ((busy || m_timer.blnTimerExpired()) && !m_timer.StartTimer(timeout))
-                break;
-        }
+        finished = receive(reply, timeout, busyMarksAllowed);
     } catch (...) {
         recordFailure({});
     }
     m_timer.StopTimer();
-    return lastError().ok();
+    if (finished)
+        lastError().clear();
+    return finished;
+}
+
+// The time-out is counted in whole periods: it fails when one passes without a byte. A busy mark
+// starts the period anew.
+template <class Reply>
+bool clsSerial::receive(Reply& reply, milliseconds timeout, int busyMarksAllowed)
+{
+    const auto control = m_control; // a client may give the port another one meanwhile
+    const auto end = m_platform.clock.monotonic() + longestRead;
+    bool dataSeen = false;
+    int busyMarks = 0;
+    while (!reply.finished()) {
+        const auto byte = nextByte(*control);
+        if (cancelled())
+            return false;
+        dataSeen |= byte.has_value();
+        const bool busy = byte && reply.take(*byte);
+        if (busy)
+            ++busyMarks;
+        if (busyMarks > busyMarksAllowed || m_platform.clock.monotonic() > end)
+            return fail(Code::MaximumTimeExceeded);
+        const bool expired = m_timer.blnTimerExpired();
+        if (expired && !std::exchange(dataSeen, false))
+            return fail(Code::NoResponse);
+        if ((busy || expired) && !m_timer.StartTimer(timeout))
+            return false;
+    }
+    return true;
 }
 
 // One pass of a wait: serves events, and blocks for the next one only when there is nothing to do.

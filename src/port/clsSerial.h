@@ -41,7 +41,9 @@ private:
     using milliseconds = std::chrono::milliseconds;
 
     template <class Reply>
-    [[nodiscard]] bool readReply(Reply& reply, milliseconds timeout, int maximumBusyMarks);
+    [[nodiscard]] bool readReply(Reply& reply, milliseconds timeout, int busyMarksAllowed);
+    template <class Reply>
+    [[nodiscard]] bool receive(Reply& reply, milliseconds timeout, int busyMarksAllowed);
     [[nodiscard]] bool waitForStartUpByte(bool& blnUARequired, bool blnAFAF);
     [[nodiscard]] std::optional<std::uint8_t> nextByte(ISerialControl& control);
     [[nodiscard]] bool cancelled() const;
