@@ -23,9 +23,8 @@ StatusPanel::StatusPanel(QWidget* parent) : QLabel(parent)
 {
     setTextFormat(Qt::PlainText);
     setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
-    setContentsMargins(panelMargin, 0, panelMargin, 0);
-    setMinimumWidth(1);
-    setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Ignored);
+    setMinimumHeight(1);
 }
 
 void StatusPanel::showText(const QString& newText)
@@ -37,16 +36,21 @@ void StatusPanel::showText(const QString& newText)
     repaint();
 }
 
+QRect StatusPanel::textRect() const
+{
+    return contentsRect().adjusted(panelMargin, 0, -panelMargin, 0);
+}
+
 QString StatusPanel::fittingText() const
 {
-    return fontMetrics().elidedText(text(), Qt::ElideRight, contentsRect().width());
+    return fontMetrics().elidedText(text(), Qt::ElideRight, textRect().width());
 }
 
 void StatusPanel::paintEvent(QPaintEvent* event)
 {
     QFrame::paintEvent(event);
     QPainter painter(this);
-    style()->drawItemText(&painter, contentsRect(), Qt::AlignLeft | Qt::AlignVCenter, palette(),
+    style()->drawItemText(&painter, textRect(), Qt::AlignLeft | Qt::AlignVCenter, palette(),
                           isEnabled(), fittingText(), foregroundRole());
 }
 
@@ -66,6 +70,7 @@ StatusBar::StatusBar(QWidget* parent)
     addWidget(m_tag);
     addWidget(m_status, 1);
     addWidget(m_baud);
+    m_status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     m_baud->setFixedWidth(twipsToPixels(baudWidth, logicalDpiX()));
 }
 

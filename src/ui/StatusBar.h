@@ -21,6 +21,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
+    [[nodiscard]] QRect textRect() const;
     [[nodiscard]] QString fittingText() const;
 };
 

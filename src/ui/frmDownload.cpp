@@ -152,14 +152,18 @@ void frmDownload::showBaudRate()
 
 void frmDownload::showEnabled()
 {
+    // A control that is disabled loses the focus; it comes back with the control.
+    if (!m_window->controlsEnabled() && m_focused == nullptr)
+        m_focused = focusWidget();
     for (QWidget* each : {static_cast<QWidget*>(cmdConfig), static_cast<QWidget*>(cmdDownload),
                           static_cast<QWidget*>(cboPort)})
         each->setEnabled(m_window->controlsEnabled());
     cmdErase->setEnabled(m_window->eraseEnabled());
-    if (m_window->controlsEnabled())
-        unsetCursor();
-    else
-        setCursor(Qt::BusyCursor);
+    if (!m_window->controlsEnabled())
+        return setCursor(Qt::BusyCursor);
+    unsetCursor();
+    if (QWidget* before = std::exchange(m_focused, nullptr))
+        (before->isEnabled() ? before : ListView1)->setFocus();
 }
 
 // Calls into the window and keeps it and this view for as long as that takes.

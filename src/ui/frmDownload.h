@@ -87,6 +87,7 @@ private:
     int m_handling = 0; ///< depth of the handlers that call into the window
     bool m_sessionEnds = false;
     bool m_placed = false;
+    QWidget* m_focused = nullptr; ///< had the focus when the controls were disabled
 
     QCheckBox* chkAccessLevel = nullptr;
     QComboBox* cboPort = nullptr;

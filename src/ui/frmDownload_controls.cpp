@@ -1,5 +1,6 @@
 #include "ui/frmDownload.h"
 
+#include "shared/DisplayTexts.h"
 #include "ui/ConfigurationView.h"
 #include "ui/FittingFont.h"
 #include "ui/StatusBar.h"
@@ -25,6 +26,8 @@ constexpr double frameTitlePointSize = 9.75;
 // Pixels that a button needs beside its text.
 constexpr int buttonMargin = 8;
 constexpr int helpPicturePixels = 13;
+constexpr int listPicturePixels = 16;
+constexpr int listMargin = 12;
 
 QString withoutMnemonic(QString text)
 {
@@ -35,6 +38,13 @@ QString withoutMnemonic(QString text)
 QFont buttonFont(int width)
 {
     return fittingFont(windowFont(), QStringLiteral("Report Configuration"), width);
+}
+
+// The longest of the component types fits into the first column, beside the box.
+QFont listFont(const QFont& font, int firstColumnWidth)
+{
+    return fittingFont(font, displayText(Text::SystemConfigTable),
+                       firstColumnWidth - listPicturePixels - listMargin);
 }
 
 } // namespace
@@ -137,7 +147,8 @@ void frmDownload::makeFrame()
 {
     auto* frame = place(Control::fraConfiguration, new QGroupBox(tr("Configuration"), this));
     fraConfiguration = frame;
-    const QFont textFont = font();
+    QFont textFont = font();
+    textFont.setBold(false);
     QFont titleFont = windowFont();
     titleFont.setPointSizeF(frameTitlePointSize);
     titleFont.setBold(true);
@@ -149,7 +160,8 @@ void frmDownload::makeFrame()
     border->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     ListView1 = place(Control::ListView1, new ConfigurationView(m_window->configurations(), frame));
     border->setGeometry(ListView1->geometry().adjusted(-1, -1, 1, 1));
-    ListView1->setFont(textFont);
+    const int firstColumn = m_window->configurations().columnWidths(listWidth).front();
+    ListView1->setFont(listFont(textFont, twipsToPixels(firstColumn, logicalDpiX())));
     ListView1->header()->setFont(textFont);
     cmdSaveDetails =
         makeButton(Control::cmdSaveDetails, tr("&Save Details"), &ButtonOperations::SaveDetails);
