@@ -3,32 +3,11 @@
 #include "platform/PlatformFailure.h"
 
 #include <cerrno>
+#include <utility>
 
 namespace fldc {
 
 namespace {
-
-class MemoryOutput final : public IOutputFile {
-public:
-    MemoryOutput(MemoryFiles& files, const QString& path) : m_files(files), m_path(path)
-    {
-        m_files.inUse.insert(path);
-    }
-    ~MemoryOutput() override { m_files.inUse.erase(m_path); }
-    MemoryOutput(const MemoryOutput&) = delete;
-    MemoryOutput& operator=(const MemoryOutput&) = delete;
-    void write(const QByteArray& bytes) override
-    {
-        if (m_files.unwritable.contains(m_path))
-            throw PlatformFailure::fromErrno(ENOSPC, m_path);
-        m_files.files[m_path].content += bytes;
-    }
-    void close() override {}
-
-private:
-    MemoryFiles& m_files;
-    QString m_path;
-};
 
 class MemoryContent final : public IFileContent {
 public:
@@ -45,6 +24,41 @@ private:
 
 } // namespace
 
+/// A file that is being written; @p holder: it counts as in use meanwhile.
+class MemoryFiles::Output final : public IOutputFile {
+public:
+    Output(MemoryFiles& files, const QString& path, bool holder)
+        : m_files(files), m_path(path), m_holder(holder)
+    {
+        m_files.files[path].changed = m_files.m_clock.now().date();
+        if (m_holder)
+            m_files.inUse.insert(path);
+    }
+    ~Output() override { release(); }
+    Output(const Output&) = delete;
+    Output& operator=(const Output&) = delete;
+    void write(const QByteArray& bytes) override
+    {
+        if (m_files.unwritable.contains(m_path))
+            throw PlatformFailure(ENOSPC, QStringLiteral("disk full"));
+        File& file = m_files.files[m_path];
+        file.content += bytes;
+        file.changed = m_files.m_clock.now().date();
+    }
+    void close() override { release(); }
+
+private:
+    void release()
+    {
+        if (std::exchange(m_holder, false))
+            m_files.inUse.erase(m_path);
+    }
+
+    MemoryFiles& m_files;
+    QString m_path;
+    bool m_holder;
+};
+
 MemoryFiles::File& MemoryFiles::existing(const QString& path)
 {
     const auto found = files.find(path);
@@ -53,25 +67,30 @@ MemoryFiles::File& MemoryFiles::existing(const QString& path)
     return found->second;
 }
 
-std::unique_ptr<IOutputFile> MemoryFiles::openForAppending(const QString& path)
+void MemoryFiles::checkPermitted(const QString& path) const
 {
     if (unwritable.contains(path))
-        throw PlatformFailure::fromErrno(EACCES, path);
-    files.try_emplace(path);
-    return std::make_unique<MemoryOutput>(*this, path);
+        throw PlatformFailure(EACCES, QStringLiteral("not permitted"));
+}
+
+std::unique_ptr<IOutputFile> MemoryFiles::openForAppending(const QString& path)
+{
+    checkWritable(path);
+    return std::make_unique<Output>(*this, path, true);
 }
 
 std::unique_ptr<IOutputFile> MemoryFiles::openForWriting(const QString& path)
 {
-    auto file = openForAppending(path);
+    checkPermitted(path);
     files[path].content.clear();
-    return file;
+    return std::make_unique<Output>(*this, path, false);
 }
 
 void MemoryFiles::checkWritable(const QString& path)
 {
-    if (unwritable.contains(path) || inUse.contains(path))
-        throw PlatformFailure::fromErrno(EACCES, path);
+    checkPermitted(path);
+    if (inUse.contains(path))
+        throw PlatformFailure(EWOULDBLOCK, QStringLiteral("in use"));
 }
 
 std::unique_ptr<IFileContent> MemoryFiles::read(const QString& path)
@@ -86,11 +105,13 @@ QDate MemoryFiles::lastModified(const QString& path)
 
 void MemoryFiles::copy(const QString& from, const QString& to)
 {
+    checkPermitted(to);
     files[to] = existing(from);
 }
 
 void MemoryFiles::remove(const QString& path)
 {
+    checkPermitted(path);
     (void)existing(path);
     files.erase(path);
 }

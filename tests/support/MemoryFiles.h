@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/IClock.h"
 #include "platform/IFileService.h"
 
 #include <map>
@@ -7,7 +8,7 @@
 
 namespace fldc {
 
-/// Files in memory, by their path as given.
+/// Files in memory, by their path as given. What is written gets the clock's date.
 class MemoryFiles final : public IFileService {
 public:
     struct File {
@@ -15,9 +16,11 @@ public:
         QDate changed{2026, 11, 22};
     };
 
+    explicit MemoryFiles(const IClock& clock) : m_clock(clock) {}
+
     std::map<QString, File> files;
-    std::set<QString> inUse;      ///< held by another program
-    std::set<QString> unwritable; ///< opening or writing fails with EACCES
+    std::set<QString> inUse;      ///< held, by another program or through openForAppending
+    std::set<QString> unwritable; ///< EACCES to open, replace or remove, ENOSPC to write
 
     [[nodiscard]] bool exists(const QString& path) override { return files.contains(path); }
     [[nodiscard]] std::unique_ptr<IOutputFile> openForAppending(const QString& path) override;
@@ -29,7 +32,12 @@ public:
     void remove(const QString& path) override;
 
 private:
+    class Output;
+
     File& existing(const QString& path);
+    void checkPermitted(const QString& path) const;
+
+    const IClock& m_clock;
 };
 
 } // namespace fldc

@@ -40,10 +40,13 @@ bool matches(const QString& scripted, const QString& actual)
 
 void ScriptedLine::play(const QString& script)
 {
+    const bool atRest = m_script.empty();
     for (const QString& line : script.split(u'\n')) {
         if (!line.trimmed().isEmpty())
             m_script.push_back(line.simplified());
     }
+    if (atRest)
+        takeAnswers();
 }
 
 void ScriptedLine::split(int bytes, std::chrono::milliseconds gap)
@@ -86,10 +89,18 @@ void ScriptedLine::takeAnswers()
         const QByteArray bytes = unspaced(step.mid(blank));
         const qsizetype piece = m_splitBytes == 0 ? bytes.size() : m_splitBytes;
         for (qsizetype i = 0; i < bytes.size(); i += piece) {
-            m_time.after(at, [this, part = bytes.mid(i, piece)] { m_received += part; });
+            m_time.after(at, [this, part = bytes.mid(i, piece), speed = m_settings] {
+                arrive(part, speed);
+            });
             at += m_splitGap;
         }
     }
+}
+
+void ScriptedLine::arrive(const QByteArray& bytes, const QString& spokenAt)
+{
+    if (m_open && m_settings == spokenAt)
+        m_received += bytes;
 }
 
 void ScriptedLine::failIfScripted(const QString& operation)
@@ -115,6 +126,7 @@ void ScriptedLine::setPortOpen(bool open)
     if (!open && !m_open)
         fail(SerialFailure::DeviceNotOpen);
     if (!open) {
+        failIfScripted(QStringLiteral("close"));
         m_open = false;
         m_received.clear();
         return;

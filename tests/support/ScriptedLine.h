@@ -16,9 +16,11 @@ namespace fldc {
 ///     < AF AF          the radio answers, 1 ms later
 ///     <500 AF AF       the radio says this 500 ms after what it said before
 ///     ! hangup         the line hangs up
-///     ! open 8002      the next opening fails with this number; likewise "! write 5"
+///     ! open 8002      the next opening fails with this number; likewise "! write 5", "! close 5"
 ///
-/// A write or an opening that the script does not have next fails the test.
+/// A script may begin with what the radio says. A write or an opening that the script does not have
+/// next fails the test. The radio speaks at the speed that the line has when it is made to; what
+/// arrives while the line is closed, or has another speed by then, is lost.
 class ScriptedLine final : public ISerialControl {
 public:
     explicit ScriptedLine(VirtualTime& time) : m_time(time) {}
@@ -49,6 +51,7 @@ public:
 private:
     void expect(const QString& step);
     void takeAnswers();
+    void arrive(const QByteArray& bytes, const QString& spokenAt);
     void failIfScripted(const QString& operation);
     void checkUsable() const;
 

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "app/services/LogState.h"
 #include "platform/IPortListing.h"
 #include "platform/IProgramInfo.h"
 #include "platform/ISettingsFile.h"
 #include "platform/Platform.h"
 #include "platform/PlatformFailure.h"
 #include "platform/ShowError.h"
+#include "shared/LastError.h"
 #include "support/MemoryFiles.h"
 #include "support/ScriptedLine.h"
 #include "support/ScriptedMessages.h"
@@ -65,10 +67,15 @@ public:
     [[nodiscard]] std::chrono::milliseconds powerCycleLimit() const override { return limit; }
 };
 
-/// A whole machine in memory.
+/// A whole machine in memory. What the component keeps per thread starts and ends with it.
 struct VirtualPlatform {
+    VirtualPlatform() { reset(); }
+    ~VirtualPlatform() { reset(); }
+    VirtualPlatform(const VirtualPlatform&) = delete;
+    VirtualPlatform& operator=(const VirtualPlatform&) = delete;
+
     VirtualTime time;
-    MemoryFiles files;
+    MemoryFiles files{time};
     MemorySettings settings;
     FakePorts ports;
     ScriptedLines lines{time};
@@ -78,6 +85,13 @@ struct VirtualPlatform {
     Platform platform{time, time, time, files, settings, ports, lines, program, messages};
 
     [[nodiscard]] ScriptedLine& line() const { return *lines.line; }
+
+private:
+    static void reset()
+    {
+        logState() = {};
+        lastError() = {};
+    }
 };
 
 } // namespace fldc

@@ -11,7 +11,8 @@
 namespace fldc {
 
 /// Events, timers and clock without real time: a wait jumps to the next thing due and runs it. A
-/// wait for which nothing is due would never end; it fails the test.
+/// wait that would never end (nothing is due, or only things beyond two hours) fails the test, and
+/// so does a loop that asks for events over and over without ever waiting.
 class VirtualTime final : public IEvents, public ITimers, public IClock {
 public:
     using milliseconds = std::chrono::milliseconds;
@@ -39,6 +40,7 @@ private:
     };
 
     [[nodiscard]] bool runNextBefore(milliseconds limit);
+    [[noreturn]] static void giveUp(const char* why);
 
     milliseconds m_now{0};
     QDateTime m_start{QDate(2026, 11, 22), QTime(21, 5, 33)};
@@ -46,6 +48,7 @@ private:
     std::map<int, Timer> m_timers;
     int m_lastTimer = 0;
     bool m_refuseTimers = false;
+    int m_passesWithoutEvent = 0;
 };
 
 } // namespace fldc
