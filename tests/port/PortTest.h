@@ -1,0 +1,60 @@
+#pragma once
+
+#include "app/services/LogState.h"
+#include "port/Cancellation.h"
+#include "port/clsSerial.h"
+#include "shared/LastError.h"
+#include "support/VirtualPlatform.h"
+
+#include <gtest/gtest.h>
+
+namespace fldc {
+
+/// A port on a scripted line, with a download log at hand.
+class PortTest : public testing::Test {
+protected:
+    PortTest()
+    {
+        port.setPortType(machine.lines.line);
+        logState().enabled = true;
+        logState().download = std::make_shared<clsLogFile>(machine.platform);
+        logState().download->setFileName(logPath);
+        logState().download->OpenLogFile(QStringLiteral("1"));
+    }
+
+    void open()
+    {
+        line().play("@ 9600");
+        port.OpenPort();
+    }
+    /// The whole script was played, and the timer is not left running.
+    void TearDown() override
+    {
+        EXPECT_EQ(line().rest(), QString());
+        EXPECT_EQ(machine.time.timersRunning(), 0);
+    }
+    void after(int delay, std::function<void()> action)
+    {
+        machine.time.after(std::chrono::milliseconds(delay), std::move(action));
+    }
+    [[nodiscard]] ScriptedLine& line() const { return machine.line(); }
+    [[nodiscard]] static int code() { return lastError().number(); }
+    /// Virtual milliseconds since the test began.
+    [[nodiscard]] int now() const { return static_cast<int>(machine.time.monotonic().count()); }
+    /// The log's lines behind its header, without their times, separated by "|".
+    [[nodiscard]] QByteArray logged()
+    {
+        QList<QByteArray> lines = machine.files.files[logPath].content.trimmed().split('\n');
+        QByteArray all;
+        for (const QByteArray& entry : lines.mid(6))
+            all += entry.mid(20).trimmed() + '|';
+        return all;
+    }
+
+    VirtualPlatform machine;
+    const QString logPath = QStringLiteral("log");
+    std::shared_ptr<Cancellation> cancellation = std::make_shared<Cancellation>();
+    clsSerial port{machine.platform, cancellation};
+};
+
+} // namespace fldc
