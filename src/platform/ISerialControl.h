@@ -43,7 +43,7 @@ public:
     /// Bytes that one input() returns; always 1 in use.
     virtual void setInputLen(int bytes) = 0;
 
-    /// Bytes received and not yet taken.
+    /// Bytes received and not yet taken, as far as they are known; 0 only when there are none.
     [[nodiscard]] virtual int inBufferCount() = 0;
     /// 0 throws away what has been received; other values are not in use.
     virtual void setInBufferCount(int count) = 0;

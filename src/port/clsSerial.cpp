@@ -31,6 +31,9 @@ constexpr int unlimited = std::numeric_limits<int>::max();
 // silent could hold a read for ever. Nothing that a radio does takes this long.
 constexpr auto longestRead = 15min;
 
+// Bytes taken before events are served again.
+constexpr int longestRun = 16;
+
 /// What a failure of the control means for an operation of the port.
 struct FailureMeaning {
     SerialFailure failure;
@@ -210,12 +213,16 @@ bool clsSerial::receive(Reply& reply, milliseconds timeout, int busyMarksAllowed
 }
 
 // One pass of a wait: serves events, and blocks for the next one only when there is nothing to do.
+// Bytes that have arrived together are taken in runs, with events served after each run.
 std::optional<std::uint8_t> clsSerial::nextByte(ISerialControl& control)
 {
-    if (control.inBufferCount() == 0 && !m_timer.blnTimerExpired())
+    const bool waiting = control.inBufferCount() > 0;
+    if (!waiting && !m_timer.blnTimerExpired())
         m_platform.events.waitForEvents();
-    else
+    else if (!waiting || ++m_bytesInRun >= longestRun)
         m_platform.events.processPending();
+    if (!waiting || m_bytesInRun >= longestRun)
+        m_bytesInRun = 0;
     if (control.inBufferCount() == 0)
         return std::nullopt;
     const QByteArray bytes = control.input();

@@ -52,6 +52,7 @@ private:
     std::shared_ptr<const Cancellation> m_cancellation;
     std::shared_ptr<ISerialControl> m_control;
     modTimer m_timer;
+    int m_bytesInRun = 0;
 };
 
 } // namespace fldc

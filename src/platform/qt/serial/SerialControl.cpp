@@ -120,7 +120,9 @@ void SerialControl::setInputLen(int bytes)
 
 int SerialControl::inBufferCount()
 {
-    receive(openLine());
+    SerialLine& line = openLine();
+    if (m_received.isEmpty())
+        receive(line);
     if (m_received.isEmpty() && m_lostError != 0)
         fail(m_lostError);
     return static_cast<int>(m_received.size());

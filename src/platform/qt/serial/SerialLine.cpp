@@ -190,7 +190,7 @@ int SerialLine::write(const QByteArray& bytes)
         return error;
     const char* next = bytes.constData();
     qsizetype left = bytes.size();
-    const auto deadline = sendDeadline(queuedBytes() + left, m_speed);
+    const auto deadline = sendDeadline(mostQueued + left, m_speed);
     auto wait = wireTime(left, m_speed);
     while (left > 0) {
         const ssize_t count = uninterrupted(
