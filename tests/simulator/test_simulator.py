@@ -73,7 +73,7 @@ class Radio:
     def set_speed(self, speed):
         self.close()
         self.port = os.open(self.port_path, os.O_RDWR | os.O_NOCTTY)
-        tty.setraw(self.port)
+        tty.setraw(self.port, termios.TCSANOW)
         settings = termios.tcgetattr(self.port)
         settings[4] = settings[5] = SPEEDS[speed]
         termios.tcsetattr(self.port, termios.TCSANOW, settings)
@@ -261,15 +261,20 @@ class Memory(unittest.TestCase):
                              b"\xFF" + plain + b"\xFF" * (0x4000 - 1 - len(plain)))
 
     def test_stream_that_stops_or_breaks(self):
-        stream = zlib.compress(bytes(3000))
-        for data, reply, status in ((stream[:10], "AFAF", 2), (b"\0\1\2\3", "8108AFAF", 2)):
+        stream = zlib.compress(bytes(n * n % 251 for n in range(3000)))
+        pad = bytes(len(stream) % 2)
+        for data, reply, status in (
+                (stream[:200], "AFAF", 2),
+                (stream[:-1] + bytes([stream[-1] ^ 1]) + pad, "8108AFAF", 2),
+                (stream + pad + b"\0\0", "8108AFAF", 2),
+                (b"\0\1\2\3", "8108AFAF", 1)):  # nothing was written
             with self.subTest(data), commanded("rh6100") as radio:
                 for request, count in ((frame("40", "004A0057"), 2), (frame("32", "0001"), 2),
                                        (frame("33", "0001"), 4), (frame("3C", "00020000"), 2)):
                     self.assertEqual(radio.ask(request, count)[-2:], DONE)
                 self.assertEqual(radio.ask(frame("3D", data), len(reply) // 2).hex().upper(), reply)
                 radio.ask(frame("39", "0001"))
-                self.assertEqual([r[-3] for r in radio.components()], [0, 0, 1, 0])
+                self.assertEqual([r[-3] for r in radio.components()], [0, 0, status, 0])
 
     def test_refusals(self):
         with commanded("rv4200") as radio:
