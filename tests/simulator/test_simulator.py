@@ -179,6 +179,13 @@ class Speed(unittest.TestCase):
             radio.set_speed(19200)
             self.assertEqual(radio.read(1), b"\x76")
 
+    def test_answer_at_a_speed_that_the_host_does_not_follow(self):
+        with commanded("rv4100") as radio:
+            self.assertEqual(radio.ask(SPEED_115200, 2, 0.2), b"")
+            radio.set_speed(115200)
+            self.assertEqual(radio.read(1, 0.1), b"")
+            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
+
     def test_unsupported_and_refused_speeds(self):
         with commanded("rv6100") as radio:
             self.assertEqual(radio.ask(SPEED_115200, 4), bytes.fromhex("8101AFAF"))
