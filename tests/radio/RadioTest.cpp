@@ -78,8 +78,7 @@ TEST(Configurations, TheTextIsReadUpToItsTerminatorAndThenByField)
         {u"0041004200430001000000FF", u"ABC", 0x10000, 0xFF, 0, 0},
         {u"004112000000ABCD", u"A", 0x12000000, 0xABCD, 0, 0},
         {u"0041420001A0000001", u"AB", 0x1A000, 1, 0, 0}, // the last group is short
-        // The first group of zeros with all the fields behind it counts, if it stands on a
-        // boundary.
+        // The first group of zeros with all the fields behind it counts, on a boundary.
         {u"00410000004200000001A00000010203", u"A", 0x00420000, 1, 0xA0, 0},
         {u"00410010000100000001A0000001", u"A\x10\x01", 0x1A000, 1, 0, 0}};
     for (const auto& each : cases) {

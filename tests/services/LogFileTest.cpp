@@ -58,6 +58,7 @@ TEST_F(LogFileTest, EachOpeningAppendsAHeaderEntriesAndAFooter)
     EXPECT_EQ(content(), first);
     EXPECT_FALSE(log().LogFileOpen());
     logDownload(u"closed"_s);
+    logConfiguration(u"no such log"_s);
 
     machine.time.setStart(QDateTime(QDate(2026, 11, 22), QTime(21, 5, 31)));
     log().OpenLogFile(u"7"_s);
@@ -104,7 +105,6 @@ TEST_F(LogFileTest, ALogThatCannotBeWrittenIsShownOnceAndGivenUp)
     logDownload(u"lost"_s);
     EXPECT_FALSE(log().LogFileOpen());
     logDownload(u"lost too"_s);
-    log().CloseLogFile();
     EXPECT_EQ(content(), header);
 
     machine.files.unwritable.clear();
@@ -114,6 +114,13 @@ TEST_F(LogFileTest, ALogThatCannotBeWrittenIsShownOnceAndGivenUp)
     machine.messages.expectBox(u"Error 28 ..."_s);
     log().CloseLogFile();
     EXPECT_FALSE(log().LogFileOpen());
+
+    machine.files.unwritable.clear();
+    log().OpenLogFile(u"7"_s);
+    machine.files.unwritable.insert(path);
+    machine.messages.expectBox(u"Error 28 ..."_s);
+    logDownload(u"lost"_s);
+    log().CloseLogFile(); // shown already
     EXPECT_TRUE(machine.files.inUse.empty());
 }
 
@@ -128,19 +135,6 @@ TEST_F(LogFileTest, ALogMayBeReleasedWhileItsFailureIsShown)
     const ErrorBoxScope box(messages);
     log().CloseLogFile();
     EXPECT_TRUE(machine.files.inUse.empty());
-}
-
-TEST_F(LogFileTest, EachLogGetsItsOwnNotes)
-{
-    logConfiguration(u"nowhere"_s);
-    logState().configuration = std::make_shared<clsLogFile>(machine.platform);
-    logState().configuration->setFileName(u"config"_s);
-    logState().configuration->OpenLogFile(u"7"_s);
-    logConfiguration(u"Report Configurations..."_s);
-    logDownload(u"elsewhere"_s);
-    EXPECT_EQ(machine.files.files[u"config"_s].content,
-              header + "2026-11-22 21:05:33 Report Configurations...\r\n");
-    EXPECT_FALSE(machine.files.files.contains(path));
 }
 
 } // namespace

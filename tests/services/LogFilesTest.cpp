@@ -40,14 +40,10 @@ protected:
     VirtualPlatform machine;
 };
 
-TEST_F(LogFilesTest, AFirstStartTakesTheFirstPairAndCreatesNothing)
-{
-    expectChoice(0);
-    EXPECT_EQ(names(), QStringList());
-}
-
 TEST_F(LogFilesTest, FilesOfAnotherDayAreMovedAsideAndThoseOfTodayStay)
 {
+    expectChoice(0);
+    EXPECT_EQ(names(), QStringList()); // nothing is created
     put(u"0_Download.log"_s, yesterday, "new");
     put(u"old_0_Download.log"_s, yesterday, "older");
     put(u"0_Config.log"_s, today, "today");

@@ -21,7 +21,7 @@ protected:
     KeyedCollection<int> items;
 };
 
-TEST_F(KeyedCollectionTest, FindsByPositionAndByKeyWithoutRegardToCase)
+TEST_F(KeyedCollectionTest, FindsByPositionAndByKeyWithoutRegardToCaseAndRefusesTheRest)
 {
     EXPECT_EQ(*items.item(1), 10);
     EXPECT_EQ(*items.item(4), 40);
@@ -29,10 +29,7 @@ TEST_F(KeyedCollectionTest, FindsByPositionAndByKeyWithoutRegardToCase)
     EXPECT_EQ(*items.item(u"gRÖßE"_s), 30);
     EXPECT_TRUE(items.contains(u"fIRST"_s));
     EXPECT_FALSE(items.contains({}));
-}
 
-TEST_F(KeyedCollectionTest, RefusesWhatIsNotThere)
-{
     const auto refused = [&](const auto& index) {
         return failureNumber([&] { return items.item(index); }) == 5 &&
                failureNumber([&] { return items.remove(index), 0; }) == 5;
