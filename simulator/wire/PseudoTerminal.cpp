@@ -70,7 +70,7 @@ void PseudoTerminal::watchOpenings()
         return;
     // Not every system reports openings of terminals: try it, or the radio would believe for ever
     // that nobody is there.
-    ::inotify_add_watch(m_watch, m_path.c_str(), IN_OPEN | IN_CLOSE);
+    ::inotify_add_watch(m_watch, m_path.c_str(), IN_OPEN | IN_CLOSE | IN_MODIFY);
     const int trial = ::open(m_path.c_str(), O_RDWR | O_NOCTTY);
     countOpenings();
     const bool reported = m_openings == 1;
@@ -93,6 +93,9 @@ void PseudoTerminal::countOpenings()
                 ++m_openings;
             else if ((event->mask & IN_CLOSE) != 0 && m_openings > 0)
                 --m_openings;
+            else if ((event->mask & IN_MODIFY) != 0)
+                // Two openings at the same moment are reported as one, but who writes is there.
+                m_openings = std::max(m_openings, 1);
             offset += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
         }
     }
@@ -113,9 +116,6 @@ Bytes PseudoTerminal::read()
     ssize_t size = 0;
     while ((size = ::read(m_master, buffer.data(), buffer.size())) > 0)
         bytes.insert(bytes.end(), buffer.begin(), buffer.begin() + size);
-    // Two openings at the same moment are reported as one: whoever writes is there all the same.
-    if (!bytes.empty())
-        m_openings = std::max(m_openings, 1);
     return bytes;
 }
 
