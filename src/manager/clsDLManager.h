@@ -114,6 +114,8 @@ public:
     void ReleaseWindow();
     /// Ends the running operation at its next wait with code 1.
     void cancelOperation();
+    /// Takes back a task that has not started; nothing happens when none waits.
+    void withdrawTask();
 
 Q_SIGNALS:
     /// Emitted while the operation still runs; a handler must return for it to go on.

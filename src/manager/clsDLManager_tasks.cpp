@@ -63,6 +63,12 @@ void clsDLManager::EndAsyncTask(enmAsyncTaskID task, QString text)
         Q_EMIT ReportConfigurationsUpdate(text);
 }
 
+void clsDLManager::withdrawTask()
+{
+    if (m_AsyncTaskTimer != 0)
+        EndAsyncTask(eNone, {});
+}
+
 void clsDLManager::stopTaskTimer()
 {
     m_platform.timers.stop(m_AsyncTaskTimer);

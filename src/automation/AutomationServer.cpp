@@ -1,0 +1,318 @@
+#include "automation/AutomationServer.h"
+
+#include "automation/BusNames.h"
+#include "automation/PublishedClasses.h"
+#include "manager/Operation.h"
+
+#include <QCoreApplication>
+#include <QDBusConnectionInterface>
+#include <QDBusError>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <utility>
+
+namespace fldc {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+// For the first call of the client that had the process started.
+constexpr auto startGrace = 10s;
+// Between one client's leaving and the next one's first call.
+constexpr auto endGrace = 1s;
+// How long the global object outlives the last client that used it: a shell script is a new client
+// with each of its calls.
+constexpr auto globalGrace = 10s;
+// How often to look whether a manager that nobody holds has ended its operation.
+constexpr auto leavingInterval = 50ms;
+
+int failed(const char* what, const QString& why)
+{
+    std::fprintf(stderr, "rv4100_fldc: %s: %s\n", what, qUtf8Printable(why));
+    return 1;
+}
+
+} // namespace
+
+AutomationServer::AutomationServer(const Platform& platform, IDownloadWindowFactory& windows,
+                                   IWaitDialogFactory& dialogs)
+    : m_platform(platform), m_windows(windows), m_dialogs(dialogs),
+      m_connection(QDBusConnection::sessionBus()),
+      m_applicationClass(BoundClass::of<AutomationServer>(
+          QLatin1StringView("Application"), interfaceName(QLatin1StringView("Application")))),
+      m_managerClass(managerClassBinding()), m_classes(supportingClasses()),
+      m_tree(m_library, *this)
+{
+    bindApplication();
+    m_library.verify(m_applicationClass);
+    m_library.verify(m_managerClass);
+    for (const BoundClass& bound : m_classes)
+        m_library.verify(bound);
+
+    m_watcher.setConnection(m_connection);
+    m_watcher.setWatchMode(QDBusServiceWatcher::WatchForUnregistration);
+    QObject::connect(&m_watcher, &QDBusServiceWatcher::serviceUnregistered, &m_tree,
+                     [this](const QString& client) { clientGone(client); });
+    m_globalTimer.setSingleShot(true);
+    m_globalTimer.setInterval(globalGrace);
+    m_globalTimer.callOnTimeout([this] { dropUnusedGlobalManager(); });
+    m_leavingTimer.setInterval(leavingInterval);
+    m_leavingTimer.callOnTimeout([this] { removeLeaving(); });
+    m_endTimer.setSingleShot(true);
+    m_endTimer.callOnTimeout([this] { giveUpName(); });
+}
+
+AutomationServer::~AutomationServer()
+{
+    m_connection.unregisterObject(rootPath, QDBusConnection::UnregisterTree);
+}
+
+void AutomationServer::bindApplication()
+{
+    m_applicationClass
+        .method("CreateInstance",
+                [](AutomationServer& server, const Call& call, const QString& strClass) {
+                    return server.CreateInstance(strClass, call.client);
+                })
+        .method("ReleaseInstance",
+                [](AutomationServer& server, const Call& call, const QDBusObjectPath& instance) {
+                    server.ReleaseInstance(instance.path(), call.client);
+                });
+}
+
+int AutomationServer::run()
+{
+    if (!m_connection.isConnected())
+        return failed("no session bus", m_connection.lastError().message());
+    // The objects first: the bus delivers the waiting calls as soon as the name is there.
+    if (!m_connection.registerVirtualObject(rootPath, &m_tree, QDBusConnection::SubPath) ||
+        !m_connection.registerService(busName))
+        return failed("the name is taken on the session bus", busName);
+    // A window that its user closes ends no client's work. (A property, because only programs with
+    // a display have it.)
+    QCoreApplication::instance()->setProperty("quitOnLastWindowClosed", false);
+    m_endTimer.start(startGrace);
+    const int exitCode = QCoreApplication::exec();
+    m_connection.unregisterService(busName);
+    return exitCode;
+}
+
+void AutomationServer::interrupt()
+{
+    const auto published = m_objects.all();
+    for (const PublishedObject& object : published)
+        release(object);
+    if (m_global)
+        m_global->endWork();
+    QCoreApplication::exit(0);
+}
+
+// -- Objects and their paths
+
+QString AutomationServer::pathOf(const AnyObject& object, const QString& client)
+{
+    const auto bound = std::ranges::find(m_classes, object.type, &BoundClass::type);
+    if (bound == m_classes.end())
+        throw PlatformFailure(FailureNumber::Internal);
+    watch(client);
+    return m_objects.publish(*bound, object.object, client);
+}
+
+std::shared_ptr<void> AutomationServer::objectAt(const QString& path, std::type_index type)
+{
+    const PublishedObject* published = m_objects.find(path);
+    if (!published)
+        throw BusError{unknownObject, excerpt(path)};
+    if (published->bound->type() != type)
+        throw PlatformFailure(FailureNumber::TypeMismatch);
+    return published->object;
+}
+
+PublishedObject AutomationServer::objectFor(const QString& path, const QString& client)
+{
+    if (path == rootPath)
+        return {&m_applicationClass, {std::shared_ptr<void>(), this}, {}};
+    if (path == classPath(managerClass))
+        return {&m_managerClass, globalManager(client), {}};
+    if (const PublishedObject* published = m_objects.find(path))
+        return *published;
+    throw BusError{unknownObject, excerpt(path)};
+}
+
+const BoundClass* AutomationServer::classAt(const QString& path) const
+{
+    if (path == rootPath)
+        return &m_applicationClass;
+    if (path == classPath(managerClass))
+        return &m_managerClass;
+    if (const PublishedObject* published = m_objects.find(path))
+        return published->bound;
+    if (childrenOf(path).isEmpty())
+        throw BusError{unknownObject, excerpt(path)};
+    return nullptr;
+}
+
+QStringList AutomationServer::childrenOf(const QString& path) const
+{
+    QSet<QString> names = m_objects.children(path);
+    if (path == rootPath)
+        names.insert(managerClass);
+    return names.values();
+}
+
+// -- Application
+
+QDBusObjectPath AutomationServer::CreateInstance(const QString& strClass, const QString& client)
+{
+    if (strClass == managerClass) {
+        watch(client);
+        return QDBusObjectPath(m_objects.publishNew(
+            m_managerClass, client, [this](const QString& path) { return makeManager(path); }));
+    }
+    const auto bound = std::ranges::find(m_classes, strClass, &BoundClass::name);
+    if (bound == m_classes.end() || !bound->create())
+        throw BusError{invalidArguments,
+                       QStringLiteral("there is no class to create with the name ") +
+                           excerpt(strClass)};
+    return QDBusObjectPath(pathOf({bound->type(), bound->create()()}, client));
+}
+
+void AutomationServer::ReleaseInstance(const QString& path, const QString& client)
+{
+    if (path == classPath(managerClass) && m_globalClients.remove(client)) {
+        m_global->endWorkOf(client);
+        m_globalTimer.start();
+        return;
+    }
+    const PublishedObject* published = m_objects.find(path);
+    if (!published)
+        throw BusError{unknownObject, excerpt(path)};
+    if (published->client != client)
+        throw BusError{accessDenied, path + QStringLiteral(" is held by another client")};
+    if (const auto released = m_objects.release(path))
+        release(*released);
+}
+
+std::shared_ptr<ManagerObject> AutomationServer::makeManager(const QString& path)
+{
+    return std::make_shared<ManagerObject>(m_platform, m_windows, m_dialogs, m_connection, path);
+}
+
+std::shared_ptr<ManagerObject> AutomationServer::globalManager(const QString& client)
+{
+    if (!m_global)
+        m_global = makeManager(classPath(managerClass));
+    watch(client);
+    m_globalClients.insert(client);
+    return m_global;
+}
+
+void AutomationServer::dropUnusedGlobalManager()
+{
+    if (!m_globalClients.isEmpty() || !m_global)
+        return;
+    if (m_global->windowVisible())
+        m_globalTimer.start();
+    else
+        leave(std::exchange(m_global, nullptr));
+}
+
+// -- Life of the objects
+
+// A client may be gone before its first call is served; nothing would be heard of it then.
+void AutomationServer::watch(const QString& client)
+{
+    if (m_watchedClients.contains(client))
+        return;
+    m_watchedClients.insert(client);
+    m_watcher.addWatchedService(client);
+    if (!m_connection.interface()->isServiceRegistered(client))
+        QMetaObject::invokeMethod(
+            &m_tree, [this, client] { clientGone(client); }, Qt::QueuedConnection);
+}
+
+void AutomationServer::clientGone(const QString& client)
+{
+    m_watcher.removeWatchedService(client);
+    m_watchedClients.remove(client);
+    for (const PublishedObject& object : m_objects.releaseAll(client))
+        release(object);
+    if (m_globalClients.remove(client)) {
+        m_global->endWorkOf(client);
+        m_globalTimer.start();
+    }
+    // What it asked of other clients' managers ends, too.
+    const auto others = m_objects.all();
+    for (const PublishedObject& object : others) {
+        if (object.bound == &m_managerClass)
+            std::static_pointer_cast<ManagerObject>(object.object)->endWorkOf(client);
+    }
+    callServed();
+}
+
+void AutomationServer::release(const PublishedObject& published)
+{
+    if (published.bound == &m_managerClass)
+        leave(std::static_pointer_cast<ManagerObject>(published.object));
+}
+
+// The manager may be in the middle of an operation, below this call on the stack.
+void AutomationServer::leave(std::shared_ptr<ManagerObject> manager)
+{
+    manager->abandon();
+    m_leaving.push_back(std::move(manager));
+    removeLeaving();
+}
+
+void AutomationServer::removeLeaving()
+{
+    if (!operationRuns()) {
+        const auto stay =
+            std::stable_partition(m_leaving.begin(), m_leaving.end(),
+                                  [](const auto& manager) { return manager->windowVisible(); });
+        const std::vector<std::shared_ptr<ManagerObject>> gone(stay, m_leaving.end());
+        m_leaving.erase(stay, m_leaving.end());
+    }
+    if (m_leaving.empty())
+        m_leavingTimer.stop();
+    else if (!m_leavingTimer.isActive())
+        m_leavingTimer.start();
+    callServed();
+}
+
+// -- End of the process
+
+bool AutomationServer::anythingHeld() const
+{
+    return !m_objects.isEmpty() || m_global || !m_leaving.empty();
+}
+
+void AutomationServer::callServed()
+{
+    if (anythingHeld())
+        m_endTimer.stop();
+    else if (!m_endTimer.isActive())
+        m_endTimer.start(endGrace);
+}
+
+// From here on the bus starts a new process for new calls. Those that it has delivered already are
+// served first: they wait in the queue before the last look.
+void AutomationServer::giveUpName()
+{
+    m_connection.unregisterService(busName);
+    QMetaObject::invokeMethod(
+        &m_tree, [this] { endUnlessCalled(); }, Qt::QueuedConnection);
+}
+
+void AutomationServer::endUnlessCalled()
+{
+    if (anythingHeld())
+        m_connection.registerService(busName);
+    else
+        QCoreApplication::exit(0);
+}
+
+} // namespace fldc

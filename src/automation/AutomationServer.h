@@ -1,0 +1,94 @@
+#pragma once
+
+#include "automation/BoundClass.h"
+#include "automation/ManagerObject.h"
+#include "automation/ObjectTable.h"
+#include "automation/ObjectTree.h"
+#include "automation/TypeLibrary.h"
+#include "platform/Platform.h"
+
+#include <QDBusConnection>
+#include <QDBusServiceWatcher>
+#include <QSet>
+#include <QString>
+#include <QTimer>
+
+#include <memory>
+#include <vector>
+
+namespace fldc {
+
+/// The automation start mode: offers the download manager and the supporting classes on the session
+/// bus for as long as clients hold objects.
+///
+/// A client holds what it created and the objects that it was handed, until it releases them or
+/// leaves the bus. Every client that calls the global object holds that, too. A manager that nobody
+/// holds goes as soon as its operation has ended in order and its window is off the screen.
+class AutomationServer final : private IObjectSource {
+public:
+    /// Throws PlatformFailure (internal) when the program does not serve what it publishes.
+    AutomationServer(const Platform& platform, IDownloadWindowFactory& windows,
+                     IWaitDialogFactory& dialogs);
+    ~AutomationServer() override;
+    AutomationServer(const AutomationServer&) = delete;
+    AutomationServer& operator=(const AutomationServer&) = delete;
+
+    /// Serves until no client holds anything. Needs a QCoreApplication, and runs its event loop.
+    /// Returns the exit code: 0, or 1 when there is no session bus or the name is taken (said on
+    /// the standard error output).
+    [[nodiscard]] int run();
+
+    /// Ends every operation as a user's cancel does, and then run().
+    void interrupt();
+
+private:
+    // IObjectSource
+    [[nodiscard]] QString pathOf(const AnyObject& object, const QString& client) override;
+    [[nodiscard]] std::shared_ptr<void> objectAt(const QString& path,
+                                                 std::type_index type) override;
+    [[nodiscard]] PublishedObject objectFor(const QString& path, const QString& client) override;
+    [[nodiscard]] const BoundClass* classAt(const QString& path) const override;
+    [[nodiscard]] QStringList childrenOf(const QString& path) const override;
+    void callServed() override;
+
+    // Application
+    void bindApplication();
+    [[nodiscard]] QDBusObjectPath CreateInstance(const QString& strClass, const QString& client);
+    void ReleaseInstance(const QString& path, const QString& client);
+
+    [[nodiscard]] std::shared_ptr<ManagerObject> makeManager(const QString& path);
+    [[nodiscard]] std::shared_ptr<ManagerObject> globalManager(const QString& client);
+    void dropUnusedGlobalManager();
+    void watch(const QString& client);
+    void clientGone(const QString& client);
+    void release(const PublishedObject& published);
+    void leave(std::shared_ptr<ManagerObject> manager);
+    void removeLeaving();
+    [[nodiscard]] bool anythingHeld() const;
+    void giveUpName();
+    void endUnlessCalled();
+
+    Platform m_platform;
+    IDownloadWindowFactory& m_windows;
+    IWaitDialogFactory& m_dialogs;
+    QDBusConnection m_connection;
+
+    TypeLibrary m_library;
+    BoundClass m_applicationClass;
+    BoundClass m_managerClass;
+    std::vector<BoundClass> m_classes;
+
+    ObjectTable m_objects;
+    std::shared_ptr<ManagerObject> m_global;
+    QSet<QString> m_globalClients;
+    QSet<QString> m_watchedClients;
+    std::vector<std::shared_ptr<ManagerObject>> m_leaving;
+
+    ObjectTree m_tree;
+    QDBusServiceWatcher m_watcher;
+    QTimer m_globalTimer;
+    QTimer m_leavingTimer;
+    QTimer m_endTimer;
+};
+
+} // namespace fldc

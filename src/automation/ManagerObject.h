@@ -1,0 +1,72 @@
+#pragma once
+
+#include "manager/IDownloadWindow.h"
+#include "manager/clsDLManager.h"
+
+#include <QDBusConnection>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+namespace fldc {
+
+/// A download manager on the bus: sends its events from its own path and remembers which client
+/// asked for what, so that an operation ends when nobody waits for it any more.
+class ManagerObject {
+public:
+    ManagerObject(const Platform& platform, IDownloadWindowFactory& windows,
+                  IWaitDialogFactory& dialogs, const QDBusConnection& connection,
+                  const QString& path);
+
+    [[nodiscard]] clsDLManager& manager() { return m_manager; }
+    /// A window on the screen keeps its manager, whether or not a client still holds it.
+    [[nodiscard]] bool windowVisible() const { return m_windows.latestVisible(); }
+
+    /// For the life of a call that runs an operation or changes what one depends on. Throws
+    /// BusError (busyError) while an operation runs on the thread.
+    class ExclusiveCall {
+    public:
+        ExclusiveCall(ManagerObject& object, const QString& client);
+        ~ExclusiveCall();
+        ExclusiveCall(const ExclusiveCall&) = delete;
+        ExclusiveCall& operator=(const ExclusiveCall&) = delete;
+
+    private:
+        ManagerObject& m_object;
+    };
+
+    /// clsDLManager::AsyncTaskProcess, refused also while a call runs an operation of this manager:
+    /// the end of that operation would end the task with it.
+    bool startTask(enmAsyncTaskID task, const QString& input, const QString& client);
+
+    /// @p client has gone: what it asked for ends at its next wait, or does not start at all.
+    void endWorkOf(const QString& client);
+    /// Nobody holds the manager any more: no further event, and its operation ends; one that the
+    /// user started in a visible window goes on.
+    void abandon();
+    /// Ends the running operation and takes back a pending task.
+    void endWork();
+
+private:
+    // Remembers the window that the manager has at present.
+    class Windows final : public IDownloadWindowFactory {
+    public:
+        explicit Windows(IDownloadWindowFactory& factory) : m_factory(factory) {}
+        [[nodiscard]] std::shared_ptr<IDownloadWindow> createWindow() override;
+        [[nodiscard]] bool latestVisible() const;
+
+    private:
+        IDownloadWindowFactory& m_factory;
+        std::weak_ptr<IDownloadWindow> m_latest;
+    };
+
+    void sendEvents(const QDBusConnection& connection, const QString& path);
+
+    Windows m_windows;
+    clsDLManager m_manager;
+    QString m_callingClient; ///< of the exclusive call that runs; empty when none does
+    QString m_taskClient;    ///< of the task accepted last
+};
+
+} // namespace fldc
