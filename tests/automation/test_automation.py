@@ -1,0 +1,458 @@
+"""The automation interface as other programs use it: a private session bus starts the program by its
+service file, radios are simulated.
+
+Called with the paths of the simulator, the sources and the in-process example, on a bus of its own.
+"""
+
+import os
+import pathlib
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+import xml.etree.ElementTree as ElementTree
+
+import dbus
+from dbus.mainloop.glib import DBusGMainLoop
+from gi.repository import GLib
+
+SIMULATOR, SOURCES, IN_PROCESS = sys.argv[1], pathlib.Path(sys.argv[2]), sys.argv[3]
+NAME = "com.kelvane.RV4100_FLDC_EXE"
+ROOT = "/com/kelvane/RV4100_FLDC_EXE"
+GLOBAL = ROOT + "/clsDLManager"
+FILES = [str(SOURCES / "samples/rv4200" / name) for name in ("application.srec", "dsp.srec")]
+DOWNLOAD, LOAD, REPORT = 1, 2, 3
+UNKNOWN_OBJECT, INVALID = (f"org.freedesktop.DBus.Error.{name}" for name in ("UnknownObject", "InvalidArgs"))
+FAILURE, BUSY = NAME + ".Error.Failure", NAME + ".Error.Busy"
+
+# Members in interface order: arguments > results, or access and type of a property.
+MANAGER = """ReportConfigurations s>ns|EraseSelected ss>ns|DownLoad s>ns|SetPort sb>n|GetLastError >is|
+LoadFiles s>n|ValidFile s>|CreateNewLogFile >|RadioType readwrite i|SetUIMode b>n|ShutDownUiLessMode >|
+SetBaudRate i>|FormatMessage i>s|StayConnected readwrite b|ResetRadio >i|AsyncTaskProcess is>b|
+AsyncTaskBusy read b|LoadFilesEx ss>n|AccessLevel write i|FileIsOld s>b|BackupOldLogFile s>|
+LoadFilesByPath ss>""".replace("\n", "").split("|")
+EVENTS = ["DownloadProgressUpdate isi", "ReportConfigurationsUpdate s", "PowerCycleRequired "]
+BLOCKS = ["FindBlock i>n", "Add nsss>o", "Item v>o", "Count read i", "Remove v>", "NewEnum >ao"]
+CONFIGURATIONS = ["Add ss>o", "Item v>o", "Count read i", "Remove v>", "NewEnum >ao", "AllConfigNetworksZero >b"]
+DATA_BLOCKS = ["Add s>", "Item i>s", "Count read i", "GetAllData >s", "data >ay", "CompressedCount read i"]
+
+
+def members(interface):
+    """The members of an interface element, in the form of the lists above."""
+    texts = []
+    for member in interface:
+        types = {way: "".join(arg.get("type") for arg in member if arg.get("direction", "in") == way)
+                 for way in ("in", "out")}
+        if member.tag == "method":
+            texts.append(f"{member.get('name')} {types['in']}>{types['out']}")
+        elif member.tag == "signal":
+            texts.append(f"{member.get('name')} {types['in']}")
+        elif member.tag == "property":
+            texts.append(f"{member.get('name')} {member.get('access')} {member.get('type')}")
+    return texts
+
+
+def wait_for(condition, seconds=30):
+    """Serves events until the condition holds; false when it never did."""
+    deadline = time.monotonic() + seconds
+    while not (value := condition()) and time.monotonic() < deadline:
+        GLib.MainContext.default().iteration(False) or time.sleep(0.005)
+    return value
+
+
+class Client:
+    """A connection of its own, as another program would have, and the signals that it hears."""
+
+    def __init__(self):
+        self.bus = dbus.SessionBus(private=True)
+        self.bus.set_exit_on_disconnect(False)
+        self.events = []
+        self.bus.add_signal_receiver(
+            lambda *values, **which: self.events.append((which["member"], *values, which["path"])),
+            dbus_interface=NAME + ".__clsDLManager", member_keyword="member", path_keyword="path")
+
+    def create(self, name="clsDLManager"):
+        return self.object(self.call(ROOT, "Application", "CreateInstance", "s", name), name)
+
+    def object(self, path, name="clsDLManager"):
+        return Proxy(self, path, "_" + name)
+
+    def call(self, path, interface, member, signature, *arguments, seconds=120):
+        return self.bus.call_blocking(NAME, path, f"{NAME}.{interface}", member, signature, arguments, seconds)
+
+    def leave(self):
+        self.bus.close()
+
+
+class Proxy:
+    """An object; each member is called with its signature and arguments."""
+
+    def __init__(self, client, path, interface):
+        self.client, self.path, self.interface = client, path, interface
+
+    def __getattr__(self, member):
+        return lambda signature="", *arguments, **more: self.client.call(
+            self.path, self.interface, member, signature, *arguments, **more)
+
+    def _property(self, member, signature, *arguments):
+        return self.client.bus.call_blocking(NAME, self.path, dbus.PROPERTIES_IFACE, member, signature,
+                                             (f"{NAME}.{self.interface}", *arguments))
+
+    def get(self, name):
+        return self._property("Get", "ss", name)
+
+    def get_all(self):
+        return self._property("GetAll", "s")
+
+    def set(self, name, value):
+        self._property("Set", "ssv", name, value)
+
+    def introspect(self):
+        return ElementTree.fromstring(self.client.bus.call_blocking(
+            NAME, self.path, dbus.INTROSPECTABLE_IFACE, "Introspect", "", ()))
+
+    def start(self, member, signature, *arguments):
+        """Calls without waiting; returns a list that receives the results or the error."""
+        outcome = []
+        self.client.bus.call_async(NAME, self.path, f"{NAME}.{self.interface}", member, signature, arguments,
+                                   lambda *results: outcome.extend(results), outcome.append, 120)
+        return outcome
+
+    def events(self, member=None):
+        return [event[:-1] if member is None else event[1:-1] for event in self.client.events
+                if event[-1] == self.path and member in (None, event[0])]
+
+
+class Automation(unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        DBusGMainLoop(set_as_default=True)
+        cls.daemon = dbus.SessionBus()
+
+    def setUp(self):
+        self._folder = tempfile.TemporaryDirectory(prefix="fldc-")
+        self.addCleanup(self._folder.cleanup)
+        self.folder = pathlib.Path(self._folder.name)
+        for boot in (SOURCES / "samples/boot").iterdir():
+            (self.folder / boot.name).write_bytes(boot.read_bytes())
+        (self.folder / "settings.conf").write_text("[General]\nDebug=True\n")
+        environment = {"RV4100_FLDC_PORTS": f"COM1={self.folder}/radio1;COM2={self.folder}/radio2",
+                       "RV4100_FLDC_SETTINGS": str(self.folder / "settings.conf"),
+                       "RV4100_FLDC_HOME": str(self.folder), "RV4100_FLDC_POWER_CYCLE_S": "100"}
+        os.environ.update(environment)
+        self.daemon.call_blocking("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                                  "UpdateActivationEnvironment", "a{ss}", (environment,))
+        self.addCleanup(self.end_service)
+        self.client = self.new_client()
+
+    def new_client(self):
+        client = Client()
+        self.addCleanup(client.leave)
+        return client
+
+    def running(self):
+        return self.daemon.name_has_owner(NAME)
+
+    def end_service(self):
+        if self.running():
+            os.kill(self.daemon.call_blocking("org.freedesktop.DBus", "/", "org.freedesktop.DBus",
+                                              "GetConnectionUnixProcessID", "s", (NAME,)), signal.SIGTERM)
+        self.assertTrue(wait_for(lambda: not self.running()), "the service does not end on SIGTERM")
+
+    def radio(self, number, *arguments, profile="rv4200"):
+        link = self.folder / f"radio{number}"
+        process = subprocess.Popen([SIMULATOR, "--profile", profile, "--link", link, *arguments],
+                                   stdout=subprocess.DEVNULL)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.terminate)
+        self.assertTrue(wait_for(link.exists))
+        return process
+
+    def manager(self, client, port="COM1:", files=True):
+        manager = client.create()
+        self.assertEqual(manager.SetPort("sb", port, False), 0)
+        if files:
+            self.assertEqual(manager.LoadFilesEx("ss", "|".join(FILES), ","), 0)
+        return manager
+
+    def assert_error(self, name, call, *arguments):
+        with self.assertRaises(dbus.DBusException) as caught:
+            call(*arguments)
+        self.assertEqual(caught.exception.get_dbus_name(), name)
+        return caught.exception.get_dbus_message()
+
+    def end_and_check_log(self):
+        self.end_service()
+        log = (self.folder / "0_Download.log").read_text("latin-1")
+        self.assertIn("START LOG", log)
+        self.assertEqual(log.count("START LOG"), log.count("END LOG"))
+
+    def test_what_is_published(self):
+        radio = self.client.create("clsRadio")
+        blocks = self.client.object(radio.get("FlashBlocks"), "colFlashBlocks")
+        configurations = self.client.object(radio.get("Configurations"), "colConfigurations")
+        published = {interface.get("name"): members(interface) for interface in ElementTree.parse(
+            SOURCES / "src/automation" / (NAME + ".xml")).getroot()}
+        served = {}
+        for item in (self.client.object(ROOT), self.client.object(GLOBAL), self.client.create(), radio, blocks,
+                     configurations, self.client.create("colDataBlocks"), self.client.create("clsDataBlock"),
+                     self.client.object(blocks.Add("nsss", 0, "0", "1", ""), "clsFlashBlock"),
+                     self.client.object(configurations.Add("ss", "0" * 28, ""), "clsConfiguration")):
+            for interface in item.introspect().findall("interface"):
+                served[interface.get("name")] = members(interface)
+        for name in ("Introspectable", "Peer", "Properties"):
+            del served["org.freedesktop.DBus." + name]
+        for name in ("_colDefTables", "_clsDefinitionTable"):  # nothing hands them to a client
+            served[f"{NAME}.{name}"] = published[f"{NAME}.{name}"]
+        self.assertEqual(served, published)
+        for name, expected in (("Application", ["CreateInstance s>o", "ReleaseInstance o>"]),
+                               ("_clsDLManager", MANAGER), ("__clsDLManager", EVENTS),
+                               ("_colFlashBlocks", BLOCKS), ("_colConfigurations", CONFIGURATIONS),
+                               ("_colDataBlocks", DATA_BLOCKS)):
+            self.assertEqual(served[f"{NAME}.{name}"], expected)
+
+    def test_a_download_as_a_task(self):
+        self.radio(1)
+        manager, other = self.manager(self.client), self.client.create()
+        self.assertTrue(manager.AsyncTaskProcess("is", DOWNLOAD, ""))
+        self.assertFalse(manager.AsyncTaskProcess("is", REPORT, ""), "a second task")
+        self.assertTrue(manager.get("AsyncTaskBusy"))
+        busy_at_end = []
+        self.client.bus.add_signal_receiver(lambda _: busy_at_end.append(manager.get("AsyncTaskBusy")),
+                                            "ReportConfigurationsUpdate", path=manager.path)
+        progress_in_time = wait_for(lambda: manager.events("DownloadProgressUpdate"))
+        self.assertTrue(progress_in_time and manager.get("AsyncTaskBusy"), "progress before the end")
+        self.assertTrue(wait_for(lambda: busy_at_end))
+        self.assertEqual(busy_at_end, [False])
+        *progress, end = manager.events()
+        self.assertEqual(end[0], "ReportConfigurationsUpdate")
+        self.assertIn("JHA2F-2.03|0|0", end[1].split("\t"))
+        self.assertEqual({event[0] for event in progress}, {"DownloadProgressUpdate"})
+        steps = [(index, percentage) for _, percentage, _, index in progress]
+        self.assertEqual([steps.pop(0), steps.pop()], [(0, 0), (0, 0)], "reading the configuration")
+        self.assertEqual(steps, sorted(set(steps)))
+        self.assertEqual([step for step in steps if step[1] == 100], [(1, 100), (2, 100)])
+        self.assertEqual(manager.GetLastError(), (0, "Success"))
+        # Nothing was run a second time; the other manager sent nothing.
+        self.assertFalse(wait_for(lambda: len(manager.events()) > len(progress) + 1, 1))
+        self.assertEqual(other.events(), [])
+        self.end_and_check_log()
+
+    def test_texts_by_reference_and_reports(self):
+        self.radio(1)
+        manager = self.manager(self.client)
+        code, report = manager.ReportConfigurations("s", "")
+        self.assertEqual((code, report.split("\t")[0]), (0, "RVKC4-02|0|0"))
+        self.assertEqual(manager.SetUIMode("b", True), 0)
+        self.assertEqual(manager.ReportConfigurations("s", "as it was"), (0, "as it was"))
+        self.assertEqual(manager.EraseSelected("ss", "", "as it was"), (0, "as it was"))
+        self.assertEqual(manager.SetUIMode("b", False), 0)
+        code, report_after = manager.EraseSelected("ss", "", "")
+        self.assertEqual((code, report_after), (0, report))
+        # None for the erasures; what was sent before the last answer has arrived with it.
+        wait_for(lambda: len(manager.events("ReportConfigurationsUpdate")) > 2, 0.2)
+        self.assertEqual(manager.events("ReportConfigurationsUpdate"), [(report,), ("as it was",)])
+
+    def test_tasks_that_fail_end(self):
+        manager = self.manager(self.client, "1", files=False)  # without a radio its device is missing
+        for task, text, code in ((LOAD, "/no/such.srec", 33), (LOAD, "|".join(FILES), 0), (REPORT, "", 11),
+                                 (DOWNLOAD, "", 11)):
+            self.client.events.clear()
+            self.assertTrue(manager.AsyncTaskProcess("is", task, text))
+            self.assertTrue(wait_for(lambda: not manager.get("AsyncTaskBusy")))
+            self.assertEqual(manager.GetLastError()[0], code)
+            events = [("ReportConfigurationsUpdate", "")] if task != LOAD else []
+            wait_for(lambda: len(manager.events()) > len(events), 0.2)
+            self.assertEqual(manager.events(), events)
+        for task in (0, 4, -1, -2**31, 2**31 - 1):
+            self.assertFalse(manager.AsyncTaskProcess("is", task, ""))
+            self.assertFalse(manager.get("AsyncTaskBusy"))
+
+    def test_garbage(self):
+        manager, blocks = self.manager(self.client, "1", files=False), self.client.create("colDataBlocks")
+        huge = "x" * 2**20
+        for name in ("", "clsProtocol", "clsConfiguration", "clsdlmanager", huge):
+            self.assert_error(INVALID, self.client.create, name)
+        for path in ("/", ROOT, ROOT + "/clsDLManager/99", ROOT + "/clsRadio", GLOBAL):
+            self.assert_error(UNKNOWN_OBJECT, self.client.call, ROOT, "Application", "ReleaseInstance", "o", path)
+        self.assert_error(UNKNOWN_OBJECT, self.client.object(ROOT + "/clsDLManager/_1").GetLastError)
+        self.assert_error(UNKNOWN_OBJECT, self.client.object(ROOT + "/clsRadio/7").introspect)
+        self.assert_error("org.freedesktop.DBus.Error.UnknownMethod", manager.ReleaseWindow)
+        for signature, values in (("", ()), ("i", (1,)), ("ss", ("COM1:", "x")), ("sbs", ("COM1:", True, "x"))):
+            self.assert_error(INVALID, manager.SetPort, signature, *values)
+        for number in (3, -1, -2**31, 2**31 - 1):
+            self.assertRegex(self.assert_error(FAILURE, manager.FormatMessage, "i", number), "^5: ")
+        self.assertEqual(manager.FormatMessage("i", 33), "File does not exist")
+        manager.SetBaudRate("i", -19200)
+        self.assertEqual(manager.SetPort("sb", huge, False), 11)
+        self.assertEqual(manager.LoadFilesEx("ss", huge, huge), 33)
+        self.assertEqual(manager.LoadFilesEx("ss", "|" * 1000, ""), 33)
+        self.assertRegex(self.assert_error(FAILURE, manager.FileIsOld, "s", huge), "^[0-9]+: ")
+        # Properties: one can only be written, one only be read.
+        self.assertEqual(manager.get_all(), {"RadioType": 0, "StayConnected": False, "AsyncTaskBusy": False})
+        self.assert_error("org.freedesktop.DBus.Error.AccessDenied", manager.get, "AccessLevel")
+        self.assert_error("org.freedesktop.DBus.Error.PropertyReadOnly", manager.set, "AsyncTaskBusy", True)
+        self.assert_error("org.freedesktop.DBus.Error.UnknownProperty", manager.get, "UIDisplay")
+        self.assertRegex(self.assert_error(FAILURE, manager.set, "RadioType", "x"), "^13: ")
+        self.assertRegex(self.assert_error(FAILURE, manager.set, "RadioType", dbus.Int64(2**40)), "^6: ")
+        manager.set("RadioType", dbus.Int16(3))
+        manager.set("AccessLevel", 5)
+        for index in (-1, 0, 2**31 - 1):
+            self.assertRegex(self.assert_error(FAILURE, blocks.Item, "i", index), "^5: ")
+        self.assertRegex(self.assert_error(FAILURE, blocks.Add, "s", "0G"), "^13: ")
+        # A member without a failure trap, and without its window.
+        manager.ShutDownUiLessMode()
+        self.assertRegex(self.assert_error(FAILURE, manager.set, "StayConnected", True), "^91: ")
+        self.assertEqual(manager.get("RadioType"), 3)
+
+    def test_supporting_classes(self):
+        radio = self.client.create("clsRadio")
+        configurations = self.client.object(radio.get("Configurations"), "colConfigurations")
+        first = configurations.Add("ss", "004100420031" + "0000" + "0001A000" + "0001" + "02" + "03", "")
+        self.assertEqual(self.client.object(first, "clsConfiguration").get_all(), {
+            "ProductID": "AB1", "ConfigurationAddress": 0x1A000, "Status": 1, "NetWorkID": 2, "DeviceID": 3,
+            "MemoryDeviceID": "", "blnCanBeErased": False, "ComponentType": "", "HardwareString": ""})
+        self.assertFalse(configurations.AllConfigNetworksZero())
+        self.assertEqual(configurations.Item("v", 1), first)
+        self.assertRegex(self.assert_error(FAILURE, configurations.Item, "v", 2), "^5: ")
+        blocks = self.client.object(radio.get("FlashBlocks"), "colFlashBlocks")
+        paths = [blocks.Add("nsss", 7, "00001000", "800", "Boot"), blocks.Add("nsss", 8, "1800", "800", "")]
+        self.assertEqual([blocks.FindBlock("i", address) for address in (0x1000, 0x17FF, 0x1800, -1)], [7, 7, 8, -1])
+        self.assertEqual([blocks.Item("v", "BOOT"), blocks.Item("v", 2), blocks.NewEnum()], [*paths, paths])
+        self.client.object(paths[0], "clsFlashBlock").set("ID", -9)
+        blocks.Remove("v", 2)
+        self.assertEqual([blocks.get("Count"), blocks.FindBlock("i", 0x1000)], [1, -9])
+        # Another radio's list in place of its own; a list of another class is refused.
+        other = self.client.create("clsRadio")
+        other.set("FlashBlocks", dbus.ObjectPath(blocks.path))
+        self.assertEqual(other.get("FlashBlocks"), blocks.path)
+        self.assertRegex(self.assert_error(FAILURE, other.set, "FlashBlocks", dbus.ObjectPath(first)), "^13: ")
+        data = self.client.create("colDataBlocks")
+        self.assertEqual(bytes(data.data()), bytes(513))
+        data.Add("s", "0102")
+        data.Add("s", "ff")
+        self.assertEqual([data.get("Count"), data.Item("i", 2), data.GetAllData()], [3, "FF", "0102FF"])
+
+    def test_two_managers(self):
+        self.radio(1, "--pace")
+        self.radio(2)
+        client = self.new_client()
+        one, two = self.manager(self.client), self.manager(client, "COM2:")
+        self.assertNotEqual(one.path, two.path)
+        outcome = one.start("DownLoad", "s", "")
+        self.assertTrue(wait_for(lambda: one.events("DownloadProgressUpdate")))
+        start = time.monotonic()
+        for member, *arguments in (("ReportConfigurations", "s", ""), ("EraseSelected", "ss", "1", ""),
+                                   ("DownLoad", "s", ""), ("ResetRadio",), ("LoadFiles", "s", FILES[0]),
+                                   ("LoadFilesEx", "ss", FILES[0], ","), ("LoadFilesByPath", "ss", FILES[0], ","),
+                                   ("ValidFile", "s", FILES[0]), ("SetPort", "sb", "COM1:", False),
+                                   ("SetUIMode", "b", False), ("CreateNewLogFile",)):
+            self.assert_error(BUSY, getattr(two, member), *arguments)
+        self.assert_error(BUSY, two.set, "StayConnected", True)
+        self.assert_error(BUSY, two.set, "AccessLevel", 10)
+        self.assert_error(BUSY, one.ReportConfigurations, "s", "")
+        self.assertFalse(one.AsyncTaskProcess("is", REPORT, ""), "would end with the running operation")
+        self.assertTrue(two.AsyncTaskProcess("is", DOWNLOAD, ""), "waits for the running operation")
+        self.assertEqual(two.GetLastError()[0], 0)
+        self.assertEqual(two.FormatMessage("i", 0), "Success")
+        self.assertEqual(client.create().get("AsyncTaskBusy"), False)
+        self.assertLess(time.monotonic() - start, 1)
+        self.assertEqual(outcome, [], "the download has ended too early for this test")
+        self.assertTrue(wait_for(lambda: outcome and two.events("ReportConfigurationsUpdate"), 60))
+        self.assertEqual(outcome[0], 0)
+        self.assertIn("JHA2F-2.03|0|0", outcome[1])
+        self.assertIn("JHA2F-2.03|0|0", two.events("ReportConfigurationsUpdate")[0][0])
+
+    def test_a_client_killed_in_its_download(self):
+        self.radio(1, "--pace")
+        self.radio(2)
+        bystander = self.manager(self.client, "COM2:")
+        with subprocess.Popen([SOURCES / "examples/download.py", "COM1:", *FILES], stdout=subprocess.PIPE,
+                              text=True) as victim:
+            self.addCleanup(victim.kill)
+            self.assertTrue(wait_for(lambda: self.client.events), "no download")
+            path = self.client.events[-1][-1]
+            self.assert_error(BUSY, bystander.ReportConfigurations, "s", "")
+            victim.kill()
+        # Its operation ends, its object goes, and the port and logs are closed.
+        self.assertTrue(wait_for(lambda: not self.client.object(ROOT).introspect().findall(
+            "node[@name='clsDLManager']/node") and self.gone(path), 5))
+        self.client.events.clear()
+        self.assertEqual(bystander.DownLoad("s", "")[0], 0)
+        self.assertEqual(bystander.SetPort("sb", "COM1:", False), 0)
+        self.assertNotEqual(bystander.ReportConfigurations("s", "")[0], 12, "the port is still open")
+        self.client.leave()
+        self.assertTrue(wait_for(lambda: not self.running(), 5), "the service outlives its last client")
+        self.end_and_check_log()
+
+    def gone(self, path):
+        try:
+            self.client.object(path).GetLastError()
+        except dbus.DBusException as error:
+            return error.get_dbus_name() == UNKNOWN_OBJECT
+        return False
+
+    def test_a_power_cycle_that_nobody_makes(self):
+        self.radio(1, "--fault", "power-cycle")
+        for end in ("ShutDownUiLessMode", "ReleaseInstance", "leave"):
+            with self.subTest(end):
+                client = self.new_client()
+                manager = self.manager(client)
+                manager.set("AccessLevel", 10)
+                outcome = manager.start("DownLoad", "s", "")
+                self.assertTrue(wait_for(lambda: manager.events("PowerCycleRequired")))
+                start = time.monotonic()
+                if end == "leave":
+                    client.leave()
+                elif end == "ShutDownUiLessMode":
+                    manager.ShutDownUiLessMode()
+                else:
+                    client.call(ROOT, "Application", "ReleaseInstance", "o", manager.path)
+                if end == "leave":
+                    self.assertTrue(wait_for(lambda: self.gone(manager.path), 5))
+                    self.assertEqual(self.manager(self.client).GetLastError()[0], 0)
+                else:
+                    self.assertTrue(wait_for(lambda: outcome, 5))
+                    self.assertEqual(outcome[0], 1)
+                self.assertLess(time.monotonic() - start, 5)
+        self.end_and_check_log()
+
+    def test_the_global_object_and_the_end_of_the_process(self):
+        self.assertFalse(self.running())
+        glob = self.client.object(GLOBAL)
+        glob.introspect()
+        glob.set("RadioType", 4)
+        second = self.new_client()
+        self.assertEqual(second.object(GLOBAL).get("RadioType"), 4, "one object for all")
+        self.assertEqual(second.create().get("RadioType"), 0)
+        second.leave()
+        self.client.leave()
+        time.sleep(3)
+        third = self.new_client()
+        self.assertEqual(third.object(GLOBAL).get("RadioType"), 4, "kept for the next client of a script")
+        third.call(ROOT, "Application", "ReleaseInstance", "o", GLOBAL)
+        self.assertTrue(wait_for(lambda: not self.running(), 20))
+        # Started, and nobody calls.
+        self.daemon.start_service_by_name(NAME)
+        self.assertFalse(wait_for(lambda: not self.running(), 3))
+        self.assertTrue(wait_for(lambda: not self.running(), 15))
+
+    def test_the_examples(self):
+        for command in ([SOURCES / "examples/download.py", "COM1:"], [SOURCES / "examples/download.sh", "COM1:"],
+                        [IN_PROCESS, "COM1:"]):
+            with self.subTest(command[0]):
+                radio = self.radio(1)
+                run = subprocess.run([*command, *FILES], capture_output=True, text=True, timeout=60)
+                self.assertEqual((run.returncode, run.stderr), (0, ""), run.stdout)
+                self.assertIn("JHA2F-2.03", run.stdout)
+                radio.terminate()
+                radio.wait()
+        failed = subprocess.run([SOURCES / "examples/download.sh", "COM1:", *FILES], capture_output=True, text=True)
+        self.assertEqual((failed.returncode, failed.stderr), (1, "Error 11: Serial port does not exist\n"))
+
+
+if __name__ == "__main__":
+    del sys.argv[1:4]
+    unittest.main(verbosity=2)
