@@ -1,0 +1,290 @@
+#include "WindowTest.h"
+
+#include "protocol/UpgradeState.h"
+#include "shared/LastError.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QGroupBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <array>
+
+namespace fldc {
+namespace {
+
+using MainWindowTest = WindowTest;
+
+// Pixels at 96 dpi, in the window or in the frame.
+struct Place {
+    const char* name;
+    QRect place;
+    const char* text;
+};
+
+const Place places[]{
+    {"chkAccessLevel", {416, 440, 153, 17}, "Allow Unprotected Upgrade"},
+    {"Label1", {24, 440, 33, 17}, "Port"},
+    {"cboPort", {24, 464, 113, 21}, "COM1:"},
+    {"Label2", {144, 440, 57, 17}, "Baud Rate"},
+    {"cboBaudRate", {144, 464, 65, 21}, "Auto"},
+    {"cmdConfig", {216, 464, 113, 25}, "&Report Configuration"},
+    {"cmdErase", {336, 464, 113, 25}, "&Erase Configuration"},
+    {"cmdDownload", {464, 464, 113, 25}, "&Download"},
+    {"cmdHelp", {560, 0, 25, 25}, ""},
+    {"fraConfiguration", {24, 40, 561, 297}, "Configuration"},
+    {"ListView1", {8, 32, 545, 209}, nullptr},
+    {"cmdSaveDetails", {448, 256, 89, 25}, "&Save Details"},
+    {"txtCurrentDownload", {24, 360, 497, 19}, ""},
+    {"lblProgress", {24, 384, 361, 17}, "Progress :"},
+    {"prgDownloadProgress", {24, 400, 497, 17}, nullptr},
+    {"lblCurrentDownload", {24, 344, 361, 17}, "Current Download :"},
+    {"stsStatus", {0, 510, 608, 19}, nullptr},
+};
+
+QString textOf(const QWidget* widget)
+{
+    for (const char* property : {"text", "title", "currentText"}) {
+        if (widget->metaObject()->indexOfProperty(property) >= 0)
+            return widget->property(property).toString();
+    }
+    return {};
+}
+
+std::array<int, 5> columnWidths(const QTreeWidget& list)
+{
+    std::array<int, 5> widths{};
+    for (int i = 0; i < 5; ++i)
+        widths.at(static_cast<std::size_t>(i)) = list.columnWidth(i);
+    return widths;
+}
+
+TEST_F(MainWindowTest, EveryControlIsInItsPlaceAndInTabOrder)
+{
+    start();
+    ASSERT_EQ(view->logicalDpiX(), 96);
+    for (const auto& [name, place, text] : places) {
+        EXPECT_EQ(control(name)->geometry(), place) << name;
+        EXPECT_TRUE(control(name)->isVisible()) << name;
+        if (text != nullptr) {
+            EXPECT_EQ(textOf(control(name)), QString::fromLatin1(text)) << name;
+        }
+    }
+    QStringList order;
+    for (QWidget* each = control("chkAccessLevel");;) {
+        if (each->focusPolicy() & Qt::TabFocus && !each->objectName().startsWith(u"qt_"))
+            order.append(each->objectName());
+        each = each->nextInFocusChain();
+        if (each == control("chkAccessLevel"))
+            break;
+    }
+    order.removeAll(QString());
+    EXPECT_EQ(order.join(u' '),
+              QStringLiteral("chkAccessLevel cboPort cboBaudRate cmdConfig cmdErase cmdDownload "
+                             "cmdHelp ListView1 cmdSaveDetails txtCurrentDownload"));
+    EXPECT_EQ(view->minimumSize(), QSize(608, 529));
+    EXPECT_EQ(view->maximumSize(), QSize(608, 529));
+    EXPECT_FALSE(view->windowFlags() &
+                 (Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint));
+    EXPECT_TRUE(control<QLineEdit>("txtCurrentDownload")->isReadOnly());
+    EXPECT_EQ(control<QLabel>("panelTag")->text(), QStringLiteral("Status"));
+    EXPECT_EQ(status(), QStringLiteral("Ready"));
+    EXPECT_EQ(control<QLabel>("panelBaud")->text(), QStringLiteral("Not connected"));
+    EXPECT_EQ(control("panelBaud")->width(), 96);
+    QStringList rates;
+    for (int i = 0; i < 5; ++i)
+        rates.append(control<QComboBox>("cboBaudRate")->itemText(i));
+    EXPECT_EQ(rates.join(u' '), QStringLiteral("Auto 115200 19200 9600 57600"));
+}
+
+TEST_F(MainWindowTest, NoTextIsCut)
+{
+    start();
+    for (const char* name : {"Label1", "Label2", "lblProgress", "lblCurrentDownload", "cmdConfig",
+                             "cmdErase", "cmdDownload", "cmdSaveDetails", "chkAccessLevel"}) {
+        const QWidget* widget = control(name);
+        const int extra = qobject_cast<const QAbstractButton*>(widget) == nullptr ? 0
+                          : name == std::string_view("chkAccessLevel")            ? 18
+                                                                                  : 6;
+        const QString text = textOf(widget).remove(u'&');
+        EXPECT_LE(widget->fontMetrics().horizontalAdvance(text) + extra, widget->width()) << name;
+        EXPECT_GE(widget->height(), widget->fontMetrics().height()) << name;
+    }
+    const auto* list = control<QTreeWidget>("ListView1");
+    for (int i = 0; i < 5; ++i)
+        EXPECT_LE(list->header()->fontMetrics().horizontalAdvance(list->headerItem()->text(i)) + 6,
+                  list->columnWidth(i));
+    EXPECT_LE(list->fontMetrics().horizontalAdvance(QStringLiteral("System Config Table")) + 24,
+              list->columnWidth(0));
+}
+
+TEST_F(MainWindowTest, WithoutTheDebugSettingThereIsNoUnprotectedUpgrade)
+{
+    machine.settings.values[QStringLiteral("Debug")] = QStringLiteral("true");
+    start();
+    EXPECT_FALSE(control("chkAccessLevel")->isVisible());
+    EXPECT_EQ(view->windowTitle(), QStringLiteral("Kelvane Download Component (1.21.00.00)"));
+}
+
+TEST_F(MainWindowTest, APortIsChosenOncePerChange)
+{
+    start();
+    auto* combo = control<QComboBox>("cboPort");
+    int before = portChoices();
+    const auto added = [&] { return portChoices() - std::exchange(before, portChoices()); };
+    EXPECT_GT(before, 0);
+
+    QTest::keyClick(combo, Qt::Key_Down);
+    EXPECT_EQ(added(), 1);
+    EXPECT_EQ(machine.line().commPort(), 7);
+    Q_EMIT combo->activated(1);
+    EXPECT_EQ(added(), 0) << "the entry that is chosen already";
+    manager->SetPort(QStringLiteral("1"), true);
+    EXPECT_EQ(added(), 2) << "the call itself, and the list that follows it";
+    EXPECT_EQ(combo->currentText(), QStringLiteral("COM1:"));
+    manager->SetPort(QStringLiteral("COM1:"), true);
+    EXPECT_EQ(added(), 1) << "the list stands there already";
+
+    combo->lineEdit()->selectAll();
+    QTest::keyClicks(combo->lineEdit(), QStringLiteral("COM7:"));
+    QTest::keyClick(combo->lineEdit(), Qt::Key_Return);
+    control("cmdDownload")->setFocus();
+    EXPECT_EQ(added(), 0) << "typing chooses nothing";
+    EXPECT_EQ(window.lock()->portIndex(), -1);
+    EXPECT_EQ(machine.line().commPort(), 1);
+    Q_EMIT combo->activated(0);
+    EXPECT_EQ(added(), 1) << "an entry chosen after typing";
+}
+
+TEST_F(MainWindowTest, ATypedSpeedSelectsNoEntry)
+{
+    start();
+    auto* combo = control<QComboBox>("cboBaudRate");
+    for (const char* text : {"4711", "19200"}) {
+        combo->lineEdit()->selectAll();
+        QTest::keyClicks(combo->lineEdit(), QString::fromLatin1(text));
+        EXPECT_EQ(window.lock()->baudRateIndex(), -1) << text;
+        EXPECT_EQ(combo->currentText(), QString::fromLatin1(text));
+    }
+    manager->SetBaudRate(19200);
+    EXPECT_EQ(combo->currentIndex(), 2);
+    EXPECT_EQ(combo->currentText(), QStringLiteral("19200"));
+    QTest::keyClick(combo, Qt::Key_Down);
+    EXPECT_EQ(window.lock()->baudRateIndex(), 3);
+}
+
+TEST_F(MainWindowTest, AMachineWithoutPortsSaysSo)
+{
+    machine.ports.names.clear();
+    start();
+    EXPECT_EQ(control<QComboBox>("cboPort")->count(), 1);
+    EXPECT_EQ(control<QComboBox>("cboPort")->currentText(),
+              QStringLiteral("No available COM ports"));
+}
+
+TEST_F(MainWindowTest, RowsAreMarkedByClickAndSpace)
+{
+    start();
+    fill({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("D"),
+          QStringLiteral("E")},
+         "01101");
+    const auto marks = [this] { return window.lock()->configurations().eraseList(); };
+    clickRow(0);
+    EXPECT_EQ(marks(), QString()) << "can't be erased";
+    EXPECT_EQ(enabled(), QStringLiteral("cboPort cmdConfig cmdDownload"));
+    clickRow(1);
+    clickRow(4);
+    EXPECT_EQ(marks(), QStringLiteral("2|5|"));
+    EXPECT_EQ(enabled(), QStringLiteral("cboPort cmdConfig cmdDownload cmdErase"));
+    auto* list = control<QTreeWidget>("ListView1");
+    const auto cacheKey = [list](int row) { return list->topLevelItem(row)->icon(0).cacheKey(); };
+    EXPECT_TRUE(list->topLevelItem(0)->icon(0).isNull());
+    EXPECT_EQ(cacheKey(1), cacheKey(4));
+    EXPECT_NE(cacheKey(1), cacheKey(2));
+
+    QTest::keyClick(list, Qt::Key_Space);
+    EXPECT_EQ(marks(), QStringLiteral("2|"));
+    clickRow(1);
+    EXPECT_EQ(enabled(), QStringLiteral("cboPort cmdConfig cmdDownload")) << "the last mark went";
+}
+
+TEST_F(MainWindowTest, ColumnsFollowTheReportAndTheUser)
+{
+    start();
+    auto* list = control<QTreeWidget>("ListView1");
+    EXPECT_EQ(columnWidths(*list), (std::array{120, 187, 100, 100, 38}));
+    fill({QStringLiteral("SHA2A"), QStringLiteral("JVA1G")}, "00");
+    EXPECT_EQ(columnWidths(*list), (std::array{120, 187, 238, 0, 0}));
+    upgradeState().blnF1KeyRequired = true;
+    fill({QStringLiteral("JVA1G")}, "0");
+    EXPECT_EQ(columnWidths(*list), (std::array{120, 425, 0, 0, 0}));
+    upgradeState().blnF1KeyRequired = false;
+    fill({QStringLiteral("jVA1G"), QStringLiteral("JVA2G")}, "00");
+    EXPECT_EQ(columnWidths(*list), (std::array{120, 187, 100, 100, 38}));
+
+    list->header()->resizeSection(1, 150);
+    fill({QStringLiteral("JVA1G")}, "0");
+    EXPECT_EQ(list->columnWidth(1), 187) << "another set of columns";
+    fill({QStringLiteral("JVA2G")}, "0");
+    EXPECT_EQ(list->columnWidth(1), 150) << "the user's";
+}
+
+TEST_F(MainWindowTest, AStatusHasItsTextAndAColourThatCanBeRead)
+{
+    start();
+    auto* list = control<QTreeWidget>("ListView1");
+    const std::pair<int, const char*> cases[]{
+        {0, "OK"}, {1, "No code segments"},    {2, "Checksum invalid"}, {3, "No Code Component"},
+        {7, "7"},  {255, "Code Not Validated"}};
+    for (const auto& [number, text] : cases) {
+        fill({QStringLiteral("A")}, "0", number);
+        EXPECT_EQ(list->topLevelItem(0)->text(2), QString::fromLatin1(text));
+        EXPECT_EQ(list->topLevelItem(0)->foreground(2).color(),
+                  number == 0 ? QColor(0, 0, 0) : QColor(255, 0, 0))
+            << number;
+    }
+    QPalette dark;
+    dark.setColor(QPalette::Base, QColor(30, 30, 30));
+    dark.setColor(QPalette::Text, Qt::white);
+    list->setPalette(dark);
+    const QColor onDark = list->topLevelItem(0)->foreground(2).color();
+    EXPECT_GT(onDark.lightness(), 170);
+    EXPECT_GT(onDark.red(), onDark.green() + 50);
+}
+
+TEST_F(MainWindowTest, ItIsNotShownOverAModalDialog)
+{
+    start();
+    manager->SetUIMode(false);
+    QDialog modal;
+    modal.setModal(true);
+    modal.show();
+    lastError().set(Code::PortInUse);
+    EXPECT_EQ(manager->SetUIMode(true), 0);
+    EXPECT_FALSE(view->isVisible());
+    modal.close();
+    EXPECT_EQ(manager->SetUIMode(true), 0);
+    EXPECT_TRUE(view->isVisible());
+}
+
+TEST_F(MainWindowTest, ClosingReleasesTheManagersWindow)
+{
+    start();
+    view->close();
+    EXPECT_TRUE(window.expired());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(view.isNull());
+    lastError().clear();
+    EXPECT_EQ(manager->SetUIMode(true), 0) << "a new one";
+    EXPECT_FALSE(window.expired());
+}
+
+} // namespace
+} // namespace fldc

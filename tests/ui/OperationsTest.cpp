@@ -1,0 +1,261 @@
+#include "WindowTest.h"
+
+#include "shared/LastError.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QDragEnterEvent>
+#include <QMimeData>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+
+#include <chrono>
+
+namespace fldc {
+namespace {
+
+using namespace std::chrono_literals;
+using OperationsTest = WindowTest;
+
+constexpr auto fast = "> 30 01 00 60 CF 9E\n@ 115200\n< AF AF\n";
+constexpr auto idle = "cboPort cmdConfig cmdDownload";
+
+// An image for hardware that the radio has not.
+constexpr auto foreignFirmware = "DW 8\nMD \"RVKC9\",0\nS00000004A4841325800\n"
+                                 "S206010000123400\nS804000000FB\n";
+
+QString filePath(const char* name)
+{
+    return QStringLiteral("/fw/") + QString::fromLatin1(name);
+}
+
+TEST_F(OperationsTest, WhileAReportRunsNothingElseStartsAndTheWindowStays)
+{
+    start();
+    play({logOn, askForReport});
+    bool seen = false;
+    machine.time.after(1s, [&] {
+        seen = true;
+        EXPECT_EQ(enabled(), QString());
+        EXPECT_EQ(view->cursor().shape(), Qt::BusyCursor);
+        EXPECT_TRUE(control("cmdSaveDetails")->isEnabled());
+        EXPECT_FALSE(view->close());
+        EXPECT_TRUE(view->isVisible());
+        fill({QStringLiteral("A")}, "1");
+        clickRow(0);
+        EXPECT_EQ(enabled(), QString()) << "a mark must not start an erasure now";
+    });
+    click("cmdConfig");
+    EXPECT_TRUE(seen);
+    EXPECT_EQ(status(), QStringLiteral("Error 42 - Timer expired - no response received"));
+    EXPECT_EQ(enabled(), QString::fromLatin1(idle)) << "the mark counts from the next click on";
+    EXPECT_EQ(view->cursor().shape(), Qt::ArrowCursor);
+    EXPECT_TRUE(view->close());
+}
+
+TEST_F(OperationsTest, TheEndOfTheSessionClosesItInTheMiddle)
+{
+    start();
+    play({logOn, askForReport});
+    machine.time.after(1s, [&] {
+        static_cast<frmDownload*>(view.data())->onSessionEnds();
+        EXPECT_TRUE(view->close());
+    });
+    click("cmdConfig");
+    EXPECT_TRUE(window.expired());
+    EXPECT_EQ(lastError().code(), Code::UserCancelled);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_TRUE(view.isNull());
+}
+
+TEST_F(OperationsTest, TheWindowMayBeUnloadedByCodeInTheMiddle)
+{
+    start();
+    play({logOn, askForReport});
+    machine.time.after(1s, [&] { manager->ShutDownUiLessMode(); });
+    click("cmdConfig");
+    EXPECT_TRUE(window.expired());
+}
+
+TEST_F(OperationsTest, AnUnexpectedFailureIsShownAndTheButtonsComeBack)
+{
+    start();
+    fill({QStringLiteral("A")}, "1");
+    window.lock()->setDownLoadManager(nullptr);
+    for (const char* name : {"cmdConfig", "cmdDownload", "cmdErase"}) {
+        clickRow(0);
+        if (!control("cmdErase")->isEnabled())
+            clickRow(0);
+        if (name == std::string_view("cmdDownload"))
+            dialogs.answers.emplace_back(QStringList(filePath("a.srec")));
+        machine.messages.expectBox(QStringLiteral("Error 91 ..."));
+        click(name);
+        EXPECT_EQ(enabled(), QString::fromLatin1(idle)) << name;
+        EXPECT_FALSE(window.lock()->busy());
+    }
+    window.lock()->setDownLoadManager(manager.get());
+}
+
+TEST_F(OperationsTest, AnErasureNamesTheMarkedRows)
+{
+    start();
+    play({logOn, askForReport, answerReport, restart});
+    click("cmdConfig");
+    EXPECT_EQ(status(), QStringLiteral("Configuration successfully read"));
+    fill({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}, "111");
+    clickRow(2);
+    // The radio has one configuration: position 3 is none of them.
+    play({logOn, askForReport, answerReport, restart});
+    click("cmdErase");
+    EXPECT_TRUE(machine.files.files.at(QStringLiteral("C:\\Tools\\0_Download.log"))
+                    .content.contains("Error 5 - Invalid procedure call or argument"));
+    fill({QStringLiteral("A"), QStringLiteral("B")}, "11");
+    clickRow(0);
+    // Authorises network 5 and device 0 for the component's code; the radio keeps silent.
+    play({logOn, "> 42 06 05 00 00 52 00 56 00 4B 00 42 00 31 B7 93\n", askForReport, answerReport,
+          restart});
+    click("cmdErase");
+    EXPECT_EQ(enabled(), QString::fromLatin1(idle));
+}
+
+TEST_F(OperationsTest, ADownloadAsksForFilesAndTellsWhatIsLeft)
+{
+    machine.settings.values[QStringLiteral("LastFile")] = QStringLiteral("/fw/last.srec");
+    for (const char* name : {"a.srec", "b.srec"})
+        machine.files.files[QStringLiteral("/fw\\") + QString::fromLatin1(name)].content =
+            foreignFirmware;
+    start();
+    dialogs.answers.emplace_back(QStringList{filePath("a.srec"), filePath("b.srec")});
+    play({logOn, fast, askForReport, answerReport, askForReport, answerReport, restart});
+    click("cmdDownload");
+    EXPECT_EQ(dialogs.asked,
+              QStringList(QStringLiteral("open:/fw/last.srec:S records|*.srec;*.s1;*.s2;*.s3;*.s4|"
+                                         "All files|*.*")));
+    EXPECT_EQ(status(), QStringLiteral("Download successful"));
+    EXPECT_EQ(enabled(), QString::fromLatin1(idle));
+
+    auto* report = control<QDialog>("frmReportDialog");
+    EXPECT_TRUE(report->isModal());
+    EXPECT_EQ(report->findChild<QPlainTextEdit*>()->toPlainText(),
+              QStringLiteral("Some of the files selected for download have not been successfully "
+                             "downloaded. The following items have not been downloaded to any "
+                             "device:\nJHA2X\nJHA2X\n"));
+    EXPECT_FALSE(view->close()) << "busy until the report has been read";
+    QTest::mouseClick(report->findChild<QPushButton*>(), Qt::LeftButton);
+    EXPECT_FALSE(window.lock()->busy());
+}
+
+TEST_F(OperationsTest, WithoutFilesNothingIsSent)
+{
+    start();
+    const std::tuple<std::optional<QStringList>, int, const char*> cases[]{
+        {std::nullopt, 31, "File selection cancelled"},
+        {QStringList(), 32, "No file has been selected"},
+        {QStringList(filePath("none.srec")), 33, "Error 33 - File does not exist"},
+    };
+    for (const auto& [answer, code, text] : cases) {
+        dialogs.answers.push_back(answer);
+        click("cmdDownload");
+        EXPECT_EQ(status(), QString::fromLatin1(text));
+        EXPECT_EQ(lastError().number(), code);
+        EXPECT_EQ(enabled(), QString::fromLatin1(idle));
+    }
+    machine.ports.unavailable.insert(QStringLiteral("COM1:"));
+    click("cmdDownload"); // no dialog
+    EXPECT_EQ(status(), QStringLiteral("Error 12 - Serial port in use by another application"));
+    EXPECT_EQ(lastError().number(), 12);
+}
+
+TEST_F(OperationsTest, APortThatHasBecomeFreeIsUsedUnderItsOldEntry)
+{
+    machine.ports.unavailable.insert(QStringLiteral("COM1:"));
+    start();
+    EXPECT_EQ(window.lock()->portText(), QStringLiteral("COM1: (unavailable)"));
+    machine.ports.unavailable.clear();
+    dialogs.answers.emplace_back(std::nullopt);
+    click("cmdDownload");
+    EXPECT_EQ(status(), QStringLiteral("File selection cancelled"));
+}
+
+TEST_F(OperationsTest, DroppedFilesAreDownloaded)
+{
+    start();
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(filePath("dropped.srec"))});
+    QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(view, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(view, &drop);
+    EXPECT_EQ(status(), QStringLiteral("Ready")) << "the drop ends first";
+    QTest::qWait(1);
+    EXPECT_EQ(status(), QStringLiteral("Error 33 - File does not exist"));
+}
+
+TEST_F(OperationsTest, TheDetailsAreSavedByteForByte)
+{
+    start();
+    const QString path = QStringLiteral("/out/details.csv");
+    dialogs.answers.emplace_back(QStringList(path));
+    click("cmdSaveDetails");
+    const QByteArray titles = "Type,Code and Version,Status,Target Hardware,NTID\r\n";
+    EXPECT_EQ(machine.files.files[path].content, titles);
+    EXPECT_EQ(status(), QStringLiteral("Ready"));
+    EXPECT_EQ(dialogs.asked.last(),
+              QStringLiteral("save::Comma Separated Variable Files|*.csv|All files|*.*"));
+
+    fill({QStringLiteral("JVA1,\u00e9\u20ac")}, "1", 7); // hides two columns
+    dialogs.answers.emplace_back(QStringList(path));
+    click("cmdSaveDetails");
+    EXPECT_EQ(machine.files.files[path].content,
+              titles + "Radio Application,JVA1,\xe9?,7,Torso,5\r\n");
+    EXPECT_EQ(dialogs.asked.last().section(u':', 1, 1), path) << "what the dialog last held";
+
+    machine.files.unwritable.insert(path);
+    dialogs.answers.emplace_back(QStringList(path));
+    click("cmdSaveDetails");
+    EXPECT_EQ(lastError().number(), 9011);
+    EXPECT_TRUE(status().startsWith(QStringLiteral("Error 13 - "))) << qPrintable(status());
+}
+
+TEST_F(OperationsTest, ASaveBehindAnOperationIsNotItsOutcome)
+{
+    start();
+    dialogs.mayStayOpen = true;
+    play({logOn, askForReport,
+          "<500 43 0A 00 52 00 56 00 4B 00 42 00 31 00 00 00 00 00 00 00 00 05"
+          " 00 B6 8F\n< AF AF\n",
+          restart});
+    machine.time.after(300ms, [&] { click("cmdSaveDetails"); });
+    machine.time.after(400ms, [&] {
+        if (dialogs.open)
+            dialogs.open(std::nullopt);
+    });
+    click("cmdConfig");
+    EXPECT_EQ(dialogs.asked.size(), 1);
+    EXPECT_EQ(lastError().number(), 0) << "the user's cancel of the dialog is not the report's";
+    EXPECT_EQ(status(), QStringLiteral("Configuration successfully read"));
+}
+
+TEST_F(OperationsTest, HelpOpensAtTheTopicOfTheWindow)
+{
+    start();
+    const QStringList expected{QStringLiteral("contents C:\\Tools\\rv4kd_en.chm"),
+                               QStringLiteral("topic 2368 C:\\Tools\\rv4kd_en.chm")};
+    click("cmdHelp");
+    EXPECT_EQ(help.requests, expected);
+    help.requests.clear();
+    view->activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(view));
+    QTest::keyClick(control("txtCurrentDownload"), Qt::Key_F1);
+    EXPECT_EQ(help.requests, expected);
+
+    help.installed = false;
+    machine.messages.expectBox(QStringLiteral("HTML Help is not installed."));
+    click("cmdHelp");
+}
+
+} // namespace
+} // namespace fldc
