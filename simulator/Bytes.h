@@ -13,8 +13,11 @@ namespace simulator {
 using Bytes = std::vector<std::uint8_t>;
 using ByteView = std::span<const std::uint8_t>;
 
+/// Append the low 16 or all 32 bits of `value`, high byte first: every number on the line is
+/// big-endian.
 void append16(Bytes& bytes, std::uint32_t value);
 void append32(Bytes& bytes, std::uint32_t value);
+/// The words one after the other, high byte first.
 Bytes wordsToBytes(std::initializer_list<std::uint16_t> words);
 
 /// The big-endian value at `offset`, which must leave room for it.

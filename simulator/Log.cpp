@@ -36,11 +36,6 @@ void Log::said(ByteView bytes, Clock::duration after)
     write("->", hexText(bytes) + (ms > 0 ? "  (in " + std::to_string(ms) + " ms)" : ""));
 }
 
-void Log::note(std::string_view text)
-{
-    write("  ", text);
-}
-
 void Log::write(std::string_view mark, std::string_view text)
 {
     if (!m_logToOutput && !m_file.is_open())

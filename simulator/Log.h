@@ -17,12 +17,12 @@ public:
     /// no log. Throws std::runtime_error when the file cannot be written.
     explicit Log(const std::string& path);
 
+    /// Something that a person who watches the radio wants to know: one line.
     void event(std::string_view text);
+    /// Bytes that arrived, and what the radio takes them for. For the log alone.
     void heard(ByteView bytes, std::string_view meaning);
-    /// `after`: how long after now the bytes go out.
+    /// Bytes that the radio sends. For the log alone. `after`: how long after now the bytes go out.
     void said(ByteView bytes, Clock::duration after);
-    /// A line for the log alone.
-    void note(std::string_view text);
 
 private:
     void write(std::string_view mark, std::string_view text);

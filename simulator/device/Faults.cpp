@@ -10,6 +10,7 @@ namespace simulator {
 
 namespace {
 
+// What stands behind the equals sign, and whether an event stands behind the at sign.
 enum class Takes { Nothing, Number, NumberAndGap, Speed, Code, Word, Words, SomeBytes };
 enum class At { Nowhere, AnEvent, AnEventOrAll };
 
@@ -173,7 +174,7 @@ void parseValue(Takes takes, std::string_view text, Fault& fault)
     }
 }
 
-// --- what faults do to an answer
+// --- what faults do to an answer: each function takes it as it is and returns it changed
 
 Pieces inFront(Pieces pieces, const Bytes& bytes)
 {

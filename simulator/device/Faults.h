@@ -39,7 +39,8 @@ enum class FaultKind {
     AlreadyInUpgradeMode,
 };
 
-/// A command code, or one of the three others.
+/// Something that happens at the radio and that a fault can be tied to: a command code, or one of
+/// the three others.
 using Event = int;
 inline constexpr Event startEvent = 0x100;
 inline constexpr Event logOnEvent = 0x101;
@@ -48,10 +49,11 @@ inline constexpr Event bootEvent = 0x102;
 struct Fault {
     FaultKind kind;
     std::optional<Event> event; // every event when empty
-    unsigned first = 1;
-    unsigned last = ~0U;
-    unsigned number = 0;
-    milliseconds gap{0};
+    unsigned first = 1;         // of the events that it holds for, counted from 1
+    unsigned last = ~0U;        // the last of them
+    unsigned number =
+        0; // count, speed in bit/s, milliseconds, seconds, word or code, as the kind wants
+    milliseconds gap{0}; // between busy words or pieces
     Bytes bytes;
 };
 
@@ -62,14 +64,16 @@ std::string faultHelp();
 
 /// What the faults do to one event.
 struct Effects {
-    bool hangUp = false;
-    bool silent = false;
-    std::optional<std::uint16_t> refusal;
-    std::vector<Fault> shaping; // applied to the answer in this order
+    bool hangUp = false;                  // in place of carrying it out
+    bool silent = false;                  // carried out without an answer
+    std::optional<std::uint16_t> refusal; // the word to refuse with, in place of carrying it out
+    std::vector<Fault> shaping;           // applied to the answer in this order
 
+    /// The answer as the faults leave it.
     Pieces shape(Pieces pieces) const;
 };
 
+/// All faults of a radio, and how often each event has happened to it.
 class Faults {
 public:
     explicit Faults(std::vector<Fault> faults) : m_faults(std::move(faults)) {}

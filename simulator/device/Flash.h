@@ -28,13 +28,16 @@ public:
     Bytes& bytes() { return m_bytes; }
 
     /// The three operations on blocks do all of what is asked or, refusing, nothing.
+    /// InvalidAddress for a block that does not exist; FlashLocked for erasing a locked one.
     FaultWord setLocked(const BlockNumbers& numbers, bool locked);
     FaultWord erase(const BlockNumbers& numbers);
+    /// As flash is after power-up.
     void lockAll();
 
     /// Where the unit of that address begins, as an index into bytes(); nothing outside the device.
     std::optional<std::size_t> offsetOf(std::uint32_t address) const;
     /// Writes bytes at an index; nothing is written when the write is refused.
+    /// InvalidAddress behind the end, FlashLocked, or FlashNotErased for a byte that is not FF.
     FaultWord write(std::size_t offset, ByteView data);
     /// Whether one of these blocks holds the address.
     bool holds(const BlockNumbers& numbers, std::uint32_t address) const;

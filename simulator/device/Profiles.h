@@ -39,6 +39,7 @@ struct FittedComponent {
     std::uint8_t device;
 };
 
+/// One type of radio.
 struct Profile {
     std::string_view name;
     std::string_view radioType;

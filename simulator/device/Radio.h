@@ -31,6 +31,7 @@ private:
         Commanded, // takes command frames
     };
 
+    /// Forgets everything but the flash, and announces itself with the start-up byte.
     void restart(Time at, bool powerCycled);
     void hearLogOn(std::uint8_t byte, Time at);
     void logOn(bool special, Time at);
@@ -38,8 +39,11 @@ private:
     void hearCommand(std::uint8_t byte, Time at);
     void obeyFrame(Time at);
     void enter(State state) { m_state = state; }
+    /// Says the pieces from that time on, as the faults leave them.
     void answer(const Effects& effects, const Pieces& pieces, Time at);
     bool isReset(std::uint8_t byte) const;
+    /// Whether the radio has fallen silent for good. A command counts itself among those it has
+    /// heard.
     bool isSilent(bool toCommand) const;
     int startingSpeed() const;
     void setSpeed(int speed);

@@ -97,6 +97,7 @@ FaultWord UpgradeMode::reportConfiguration(ByteView /*data*/)
         Bytes data;
         for (const char character : component.product)
             append16(data, static_cast<std::uint8_t>(character));
+        // Product, zero, address, status, network and device.
         // Radios that don't report networks don't end the product with a zero either.
         if (m_profile.reportsNetworks)
             append16(data, 0);

@@ -38,6 +38,8 @@ private:
     static const Command* find(std::uint8_t code);
 
     // The commands. Each fills in m_answer, or returns why it refuses.
+    // Speeds are in units of 1200 bit/s, block numbers and characters are 16-bit words, a memory
+    // device is a network number and a device number, one byte each.
     FaultWord setBaudRate(ByteView data);
     FaultWord reportConfiguration(ByteView data);
     FaultWord unlockFlash(ByteView data);
@@ -57,10 +59,17 @@ private:
     FaultWord authoriseOnDevice(ByteView data);
     FaultWord authoriseComponent(ByteView data);
 
+    /// Sets where the next data go. The first address since an authorisation or an erase is that of
+    /// the component.
     FaultWord beginWriting(ByteView address, Writing how);
+    /// Puts bytes into flash; `sent`: how many bytes of data they came as.
     FaultWord put(ByteView plain, std::size_t sent);
+    /// Tells what was written. A compressed stream that has not ended by now makes the component
+    /// damaged.
     void endWriting();
+    /// The blocks are locked again: what was written into them is from now on reported.
     void installComponent(const Flash::BlockNumbers& blocks);
+    /// Header byte, number of words, data, checksum.
     void sayRecord(std::uint8_t header, const Bytes& data);
     void sayDone() { m_answer.pieces.push_back({wordsToBytes({doneWord})}); }
     void authorise(ByteView code, std::string_view where);

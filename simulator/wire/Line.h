@@ -43,10 +43,17 @@ public:
     void forget();
 
     // --- the owner's loop
+    /// Looks at the host's speed. To be called at least every few milliseconds while a host is
+    /// there.
     void sample() { m_sampledSpeed = m_terminal.hostSpeed(); }
+    /// Takes what the host has written. Bytes at another speed than the radio's are told and
+    /// dropped.
     void receive();
+    /// The next byte that has arrived by `now`, in order.
     std::optional<TimedByte> next(Time now);
+    /// Gives the host what is due, as far as the line takes it.
     void transmit(Time now);
+    /// Whether the host does not read: there is more to transmit once the line can be written.
     bool isBlocked() const { return m_blocked; }
     /// When next() or transmit() have something to do; nothing when they have not.
     std::optional<Time> deadline(Time now) const;

@@ -16,6 +16,7 @@ namespace simulator {
 
 namespace {
 
+// The speeds that serial ports of all kinds have and that a radio might be sought at.
 constexpr std::array<std::pair<speed_t, int>, 8> speeds{{{B1200, 1200},
                                                          {B2400, 2400},
                                                          {B4800, 4800},
