@@ -21,7 +21,7 @@ public:
     [[nodiscard]] std::span<std::uint8_t> bytes() { return std::span(m_bytes).first(m_count); }
 
 private:
-    std::array<std::uint8_t, 255> m_bytes;
+    std::array<std::uint8_t, 255> m_bytes{};
     std::size_t m_count = 0;
 };
 

@@ -24,7 +24,7 @@ enum class Compression {
 struct DataRecordType {
     QByteArrayView type;
     QByteArrayView terminator;
-    int addressDigits;
+    int addressDigits = 0;
 };
 
 /// The data record type of that name; null when there is none.

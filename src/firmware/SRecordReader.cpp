@@ -22,7 +22,7 @@ QString NotValid::text() const
 
 struct SRecordReader::LineKind {
     QByteArrayView start;
-    bool (SRecordReader::*read)(TextLines& lines);
+    bool (SRecordReader::*read)(TextLines& lines) = nullptr;
 };
 
 SRecordReader::SRecordReader(IFileService& files, std::shared_ptr<colFiles> images,
