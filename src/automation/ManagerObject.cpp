@@ -3,9 +3,22 @@
 #include "automation/BusNames.h"
 #include "manager/Operation.h"
 
+#include <QCoreApplication>
 #include <QDBusMessage>
 
 namespace fldc {
+
+namespace {
+
+// Whether a user can see a window that is shown. A property, because only programs with a display
+// have it.
+bool onScreen()
+{
+    const QVariant platform = QCoreApplication::instance()->property("platformName");
+    return platform.isValid() && platform.toString() != QLatin1String("offscreen");
+}
+
+} // namespace
 
 std::shared_ptr<IDownloadWindow> ManagerObject::Windows::createWindow()
 {
@@ -17,7 +30,7 @@ std::shared_ptr<IDownloadWindow> ManagerObject::Windows::createWindow()
 bool ManagerObject::Windows::latestVisible() const
 {
     const auto window = m_latest.lock();
-    return window && window->isVisible();
+    return window && window->isVisible() && onScreen();
 }
 
 ManagerObject::ManagerObject(const Platform& platform, IDownloadWindowFactory& windows,

@@ -254,6 +254,10 @@ class Automation(unittest.TestCase):
         # None for the erasures; what was sent before the last answer has arrived with it.
         wait_for(lambda: len(manager.events("ReportConfigurationsUpdate")) > 2, 0.2)
         self.assertEqual(manager.events("ReportConfigurationsUpdate"), [(report,), ("as it was",)])
+        # A window that nobody can see holds nothing.
+        manager.SetUIMode("b", True)
+        self.client.leave()
+        self.assertTrue(wait_for(lambda: not self.running(), 5))
 
     def test_tasks_that_fail_end(self):
         manager = self.manager(self.client, "1", files=False)  # without a radio its device is missing
