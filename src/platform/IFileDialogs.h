@@ -22,8 +22,8 @@ class IFileDialogs {
 public:
     virtual ~IFileDialogs() = default;
 
-    /// Called once with full paths, or with nothing when the user cancelled; not at all when the
-    /// window that the dialog belongs to goes first. Must not throw.
+    /// Called once, from the event loop, with full paths, or with nothing when the user cancelled;
+    /// not at all when the window that the dialog belongs to goes first. Must not throw.
     using Answer = std::function<void(const std::optional<QStringList>& paths)>;
 
     /// Asks for one or more existing files of one folder.

@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QPointer>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -52,7 +53,10 @@ TEST(FileDialogsTest, SeveralExistingFilesCanBeChosen)
                                                   QStringLiteral("All files (*)")}));
     dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
         ->setText(QStringLiteral("\"a.srec\" \"b.srec\""));
+    const QPointer<QFileDialog> alive(dialog);
     QMetaObject::invokeMethod(dialog, "accept");
+    EXPECT_TRUE(answers.empty()) << "the dialog is still at work";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return alive.isNull() && !answers.empty(); }));
     ASSERT_EQ(answers.size(), 1U);
     EXPECT_EQ(answers.at(0), paths);
 }
@@ -69,7 +73,7 @@ TEST(FileDialogsTest, SavingAsksBeforeAFileIsReplacedAndCancelIsAnAnswer)
     EXPECT_FALSE(dialog->testOption(QFileDialog::DontConfirmOverwrite));
     EXPECT_EQ(dialog->fileMode(), QFileDialog::AnyFile);
     dialog->reject();
-    EXPECT_TRUE(cancelled);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return cancelled; }));
 }
 
 TEST(HelpViewerTest, ContentsAndTopicAreOneStartOfTheViewer)

@@ -39,13 +39,15 @@ void ask(QFileDialog* dialog, const FileQuestion& question, IFileDialogs::Answer
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setNameFilters(nameFilters(question.filter));
     offer(*dialog, question.initialName);
-    QObject::connect(dialog, &QDialog::finished, dialog,
-                     [dialog, answer = std::move(answer)](int result) {
-                         if (result == QDialog::Accepted)
-                             answer(dialog->selectedFiles());
-                         else
-                             answer(std::nullopt);
-                     });
+    QObject::connect(dialog, &QDialog::finished, qApp, [dialog, answer = std::move(answer)](int r) {
+        std::optional<QStringList> paths;
+        if (r == QDialog::Accepted)
+            paths = dialog->selectedFiles();
+        // Not from within the dialog: the answer may start an operation that serves events, which
+        // delete the dialog.
+        QMetaObject::invokeMethod(
+            qApp, [answer, paths] { answer(paths); }, Qt::QueuedConnection);
+    });
     dialog->open();
 }
 
