@@ -111,7 +111,7 @@ public:
                 std::invoke(set, *static_cast<T*>(object), BusType<Value>::fromBus(value, call));
             };
         }
-        m_properties.insert(QString::fromLatin1(name), std::move(bound));
+        m_properties.insert(QString::fromLatin1(name), bound);
         return *this;
     }
     template <class T, class Value, class Argument>

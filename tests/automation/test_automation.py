@@ -184,10 +184,15 @@ class Automation(unittest.TestCase):
         return caught.exception.get_dbus_message()
 
     def end_and_check_log(self):
+        """The name goes first, then the managers with their logs."""
         self.end_service()
-        log = (self.folder / "0_Download.log").read_text("latin-1")
-        self.assertIn("START LOG", log)
-        self.assertEqual(log.count("START LOG"), log.count("END LOG"))
+
+        def marks():
+            log = (self.folder / "0_Download.log").read_text("latin-1")
+            return log.count("START LOG"), log.count("END LOG")
+        wait_for(lambda: len(set(marks())) == 1, 5)
+        self.assertEqual(*marks())
+        self.assertNotEqual(marks()[0], 0)
 
     def test_what_is_published(self):
         radio = self.client.create("clsRadio")
