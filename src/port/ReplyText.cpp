@@ -54,4 +54,16 @@ bool ReplyBytes::take(std::uint8_t byte)
     return false;
 }
 
+bool StartUpText::take(std::uint8_t byte)
+{
+    appendHex(m_text, byte);
+    if (endsInMark(m_text, busyMark)) {
+        m_text.clear();
+        return true;
+    }
+    m_answered = endsInMark(m_text, u"56") || endsInMark(m_text, u"76") ||
+                 (m_doneWordToo && endsInMark(m_text, u"AFAF"));
+    return false;
+}
+
 } // namespace fldc

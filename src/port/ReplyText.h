@@ -6,10 +6,15 @@
 
 namespace fldc {
 
+// What the radio says, as it arrives. A busy mark (AE AE) starts the time-out of a read anew;
+// bytesKeepAlive tells whether any other byte does so too.
+
 /// A reply of the radio as it arrives byte by byte, read as 16-bit words. Words inside a record
 /// (header byte 43, then a count of data words) are data whatever they say.
 class ReplyWords {
 public:
+    static constexpr bool bytesKeepAlive = true;
+
     /// @p terminator: the word that ends the reply, as 4 hex digits.
     explicit ReplyWords(QStringView terminator) : m_terminator(terminator) {}
 
@@ -32,6 +37,8 @@ private:
 /// A reply read as a plain run of bytes up to a marker, which may be found at any digit.
 class ReplyBytes {
 public:
+    static constexpr bool bytesKeepAlive = true;
+
     /// @p marker: hex digits.
     explicit ReplyBytes(QStringView marker) : m_marker(marker) {}
 
@@ -45,6 +52,26 @@ private:
     QString m_text;
     qsizetype m_searchFrom = 0;
     bool m_found = false;
+};
+
+/// What a radio says when it starts: 56 or 76, found at any digit.
+class StartUpText {
+public:
+    static constexpr bool bytesKeepAlive = false;
+
+    /// @p doneWordToo: the word AF AF is an answer as well.
+    explicit StartUpText(bool doneWordToo) : m_doneWordToo(doneWordToo) {}
+
+    /// Takes one byte. True when it completed a busy mark, before which nothing counts.
+    bool take(std::uint8_t byte);
+    [[nodiscard]] bool finished() const { return m_answered; }
+    /// The radio needs the upgrade application, unless 76 is all it said.
+    [[nodiscard]] bool applicationRequired() const { return m_text != u"76"; }
+
+private:
+    bool m_doneWordToo;
+    QString m_text;
+    bool m_answered = false;
 };
 
 } // namespace fldc

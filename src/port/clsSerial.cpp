@@ -77,6 +77,14 @@ QString clsSerial::PortName() const
     return QString::number(m_control ? m_control->commPort() : 0);
 }
 
+// Throws when the port was given none.
+const std::shared_ptr<ISerialControl>& clsSerial::control() const
+{
+    if (!m_control)
+        throw PlatformFailure(FailureNumber::ObjectNotSet);
+    return m_control;
+}
+
 void clsSerial::setPortType(std::shared_ptr<ISerialControl> control)
 {
     m_control = std::move(control);
@@ -87,7 +95,7 @@ void clsSerial::OpenPort()
     if (cancelled())
         return;
     try {
-        m_control->setPortOpen(true);
+        control()->setPortOpen(true);
         lastError().clear();
     } catch (...) {
         recordFailure(openFailures);
@@ -97,8 +105,8 @@ void clsSerial::OpenPort()
 void clsSerial::ClosePort()
 {
     try {
-        if (m_control->portOpen())
-            m_control->setPortOpen(false);
+        if (control()->portOpen())
+            control()->setPortOpen(false);
         lastError().clear();
     } catch (...) {
         recordFailure(closeFailures);
@@ -113,9 +121,9 @@ void clsSerial::SetPortParameters(const QString& strBaudRate, std::int32_t comIn
     if (!lastError().ok())
         return;
     try {
-        m_control->setSettings(strBaudRate + QStringLiteral(",n,8,1"));
-        m_control->setInputMode(comInputMode);
-        m_control->setInputLen(1);
+        control()->setSettings(strBaudRate + QStringLiteral(",n,8,1"));
+        control()->setInputMode(comInputMode);
+        control()->setInputLen(1);
     } catch (...) {
         recordFailure({});
         return;
@@ -128,8 +136,8 @@ void clsSerial::WriteBinary(const QByteArray& bytes)
     if (cancelled())
         return;
     try {
-        m_control->setInBufferCount(0);
-        m_control->output(bytes);
+        control()->setInBufferCount(0);
+        control()->output(bytes);
         logBytes(LogEntryType::Sent, bytes);
         lastError().clear();
     } catch (...) {
@@ -184,17 +192,17 @@ bool clsSerial::readReply(Reply& reply, milliseconds timeout, int busyMarksAllow
     return finished;
 }
 
-// The time-out is counted in whole periods: it fails when one passes without a byte. A busy mark
-// starts the period anew.
+// The time-out is counted in whole periods: it fails when one passes without a byte, or whatever
+// comes where bytes don't keep the wait alive. A busy mark starts the period anew.
 template <class Reply>
 bool clsSerial::receive(Reply& reply, milliseconds timeout, int busyMarksAllowed)
 {
-    const auto control = m_control; // a client may give the port another one meanwhile
+    const auto line = control(); // held: a client may give the port another one meanwhile
     const auto end = m_platform.clock.monotonic() + longestRead;
     bool dataSeen = false;
     int busyMarks = 0;
     while (!reply.finished()) {
-        const auto byte = nextByte(*control);
+        const auto byte = nextByte(*line);
         if (cancelled())
             return false;
         dataSeen |= byte.has_value();
@@ -204,7 +212,7 @@ bool clsSerial::receive(Reply& reply, milliseconds timeout, int busyMarksAllowed
         if (busyMarks > busyMarksAllowed || m_platform.clock.monotonic() > end)
             return fail(Code::MaximumTimeExceeded);
         const bool expired = m_timer.blnTimerExpired();
-        if (expired && !std::exchange(dataSeen, false))
+        if (expired && !(std::exchange(dataSeen, false) && Reply::bytesKeepAlive))
             return fail(Code::NoResponse);
         if ((busy || expired) && !m_timer.StartTimer(timeout))
             return false;
@@ -212,64 +220,33 @@ bool clsSerial::receive(Reply& reply, milliseconds timeout, int busyMarksAllowed
     return true;
 }
 
-// One pass of a wait: serves events, and blocks for the next one only when there is nothing to do.
-// Bytes that have arrived together are taken in runs, with events served after each run.
-std::optional<std::uint8_t> clsSerial::nextByte(ISerialControl& control)
+// One pass of a wait. Blocks only when there is nothing to do; takes bytes that have arrived
+// together in runs, and serves events between the runs.
+std::optional<std::uint8_t> clsSerial::nextByte(ISerialControl& line)
 {
-    const bool waiting = control.inBufferCount() > 0;
-    if (!waiting && !m_timer.blnTimerExpired())
-        m_platform.events.waitForEvents();
-    else if (!waiting || ++m_bytesInRun >= longestRun)
-        m_platform.events.processPending();
-    if (!waiting || m_bytesInRun >= longestRun)
-        m_bytesInRun = 0;
-    if (control.inBufferCount() == 0)
+    const bool waiting = line.inBufferCount() > 0;
+    if (waiting && m_runLeft > 0) {
+        --m_runLeft;
+    } else {
+        m_runLeft = longestRun;
+        if (waiting || m_timer.blnTimerExpired())
+            m_platform.events.processPending();
+        else
+            m_platform.events.waitForEvents();
+    }
+    if (line.inBufferCount() == 0)
         return std::nullopt;
-    const QByteArray bytes = control.input();
+    const QByteArray bytes = line.input();
     return bytes.isEmpty() ? std::nullopt : std::optional(static_cast<std::uint8_t>(bytes.front()));
 }
 
 void clsSerial::WaitForReset(bool& blnUARequired, bool blnAFAF)
 {
-    if (cancelled())
-        return;
-    bool answered = false;
-    if (m_timer.StartTimer(resetTimeout)) {
-        try {
-            answered = waitForStartUpByte(blnUARequired, blnAFAF);
-        } catch (...) {
-            // A line that fails meanwhile is a radio that did not come up.
-        }
-        m_timer.StopTimer();
-    }
-    if (answered)
-        lastError().clear();
-    else if (!cancelled())
-        lastError().set(Code::RadioDidNotReset);
-}
-
-bool clsSerial::waitForStartUpByte(bool& blnUARequired, bool blnAFAF)
-{
-    const auto control = m_control;
-    QString digits;
-    int busyMarks = 0;
-    for (;;) {
-        const auto byte = nextByte(*control);
-        if (byte)
-            appendHex(digits, *byte);
-        if (m_timer.blnTimerExpired() || cancelled())
-            return false;
-        if (digits.contains(QStringLiteral("AEAE"))) {
-            digits.clear();
-            if (++busyMarks > maximumBusyMarks || !m_timer.StartTimer(resetTimeout))
-                return false;
-        }
-        if (digits.contains(QStringLiteral("56")) || digits.contains(QStringLiteral("76")) ||
-            (blnAFAF && digits.contains(QStringLiteral("AFAF")))) {
-            blnUARequired = digits != u"76";
-            return true;
-        }
-    }
+    StartUpText text(blnAFAF);
+    if (readReply(text, resetTimeout, maximumBusyMarks))
+        blnUARequired = text.applicationRequired();
+    else if (lastError().code() != Code::UserCancelled)
+        lastError().set(Code::RadioDidNotReset); // whatever kept it from being heard
 }
 
 // After a cancellation nothing more goes to the radio and nothing is waited for.

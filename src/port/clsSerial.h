@@ -11,15 +11,14 @@
 namespace fldc {
 
 class Cancellation;
-class ReplyBytes;
-class ReplyWords;
 
 /// The port over a serial line. Drives the line through the control that it is given, which also
 /// keeps port number, speed and open state. Everything written is logged as sent and every
 /// completed read as received.
 ///
 /// A wait serves the thread's events and blocks until the next byte or timer. It ends at once with
-/// code 1 after a cancellation, and with 15 when the line fails.
+/// code 1 after a cancellation, and when the line fails. A port that was given no line fails as one
+/// that failed for an unknown reason: 15, waiting for the start-up byte 21.
 class clsSerial final : public IPort {
 public:
     clsSerial(const Platform& platform, std::shared_ptr<const Cancellation> cancellation);
@@ -44,15 +43,15 @@ private:
     [[nodiscard]] bool readReply(Reply& reply, milliseconds timeout, int busyMarksAllowed);
     template <class Reply>
     [[nodiscard]] bool receive(Reply& reply, milliseconds timeout, int busyMarksAllowed);
-    [[nodiscard]] bool waitForStartUpByte(bool& blnUARequired, bool blnAFAF);
-    [[nodiscard]] std::optional<std::uint8_t> nextByte(ISerialControl& control);
+    [[nodiscard]] const std::shared_ptr<ISerialControl>& control() const;
+    [[nodiscard]] std::optional<std::uint8_t> nextByte(ISerialControl& line);
     [[nodiscard]] bool cancelled() const;
 
     Platform m_platform;
     std::shared_ptr<const Cancellation> m_cancellation;
     std::shared_ptr<ISerialControl> m_control;
     modTimer m_timer;
-    int m_bytesInRun = 0;
+    int m_runLeft = 0; ///< bytes that may be taken before events are served
 };
 
 } // namespace fldc

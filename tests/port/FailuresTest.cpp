@@ -138,6 +138,29 @@ TEST_P(EachWait, IsNotDisturbedByWhatItsEventsDo)
     EXPECT_EQ(now(), 300);
 }
 
+TEST_P(EachWait, ServesEventsWhileBytesKeepComing)
+{
+    open();
+    line().say(QByteArray("\x2A") + QByteArray(10'000, '\0'));
+    port.ReadBinary(500, u"2A"_s, nullptr);
+    after(0, [this] { cancellation->request(); });
+    wait();
+    EXPECT_EQ(code(), 1);
+    EXPECT_GT(line().inBufferCount(), 9'900);
+}
+
+TEST_P(EachWait, FailsOnAPortThatWasGivenNoLine)
+{
+    port.setPortType(nullptr);
+    wait();
+    EXPECT_EQ(code(), GetParam().lineFailed);
+    for (const Operation& next : {openIt, closeIt, writeIt, speedIt}) {
+        lastError().clear();
+        next(port);
+        EXPECT_EQ(code(), 15);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(
     Port, EachWait,
     testing::Values(Wait{[](clsSerial& port) { port.ReadBinary(500, u"AFAF"_s, nullptr); }, 15, 41},
