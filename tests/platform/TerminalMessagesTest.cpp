@@ -48,7 +48,7 @@ TEST(TerminalMessages, OnlyAYesTypedAtTheQuestionIsYes)
 
 TEST(TerminalMessages, NobodyToAskIsNoAndTextsGoToTheirOutputs)
 {
-    int input[2], output[2], error[2];
+    int input[2] = {}, output[2] = {}, error[2] = {};
     for (int* ends : {input, output, error})
         ASSERT_EQ(::pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
     const auto content = [](int descriptor) {

@@ -20,8 +20,7 @@ public:
 
 private:
     struct Timer {
-        int id = 0;
-        int qtId = 0;
+        int id = 0; ///< Qt's own
         /// Shared, so that a callback may stop its own timer.
         std::shared_ptr<const std::function<void()>> callback;
     };
@@ -29,7 +28,6 @@ private:
     void timerEvent(QTimerEvent* event) override;
 
     std::vector<Timer> m_timers;
-    int m_lastId = 0;
 };
 
 } // namespace fldc

@@ -39,9 +39,8 @@ public:
     /// Appends what has arrived to @p received, at most @p limit bytes (4096 at a time).
     [[nodiscard]] int receive(QByteArray& received, qsizetype limit);
     /// Hands all of @p bytes to the system, at once unless more than a frame is still queued from
-    /// before. Waits while its buffer is full, at most twice the time
-    /// that the line needs for what is queued, and a margin; then ETIMEDOUT, and what is queued is
-    /// thrown away.
+    /// before. Waits while its buffer is full, at most twice the time that the line needs for what
+    /// is queued, and a margin; then ETIMEDOUT, and what is queued is thrown away.
     [[nodiscard]] int write(const QByteArray& bytes);
     /// Waits until everything written has left the machine; bounded as write() is.
     [[nodiscard]] int drain();
