@@ -71,6 +71,7 @@ void clsDLManager::choosePort(const QString& strPort, bool blnUI)
 
 std::int16_t clsDLManager::SetUIMode(bool blnUIMode)
 {
+    const LastError before = lastError();
     try {
         ensureWindow();
         m_window->setUIDisplay(blnUIMode);
@@ -84,7 +85,10 @@ std::int16_t clsDLManager::SetUIMode(bool blnUIMode)
         lastError().set(isModalWindowOpen(currentFailure()) ? Code::Success
                                                             : Code::PortUnspecified);
     }
-    return static_cast<std::int16_t>(lastError().number());
+    const auto result = static_cast<std::int16_t>(lastError().number());
+    if (operationRuns())
+        lastError() = before; // it belongs to the operation
+    return result;
 }
 
 void clsDLManager::showWindow(bool blnUI)

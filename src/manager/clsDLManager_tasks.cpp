@@ -52,21 +52,26 @@ void clsDLManager::RunAsyncTask()
     }
 }
 
-// The operations themselves end the task at their very end, also when none started them. The text
-// is a copy: a handler may start the next task, which replaces the input it came from.
+// The operations themselves end the task at their very end, also when none started them; a task
+// that was accepted meanwhile and has not started goes on waiting. The text is a copy: a handler
+// may start the next task, which replaces the input it came from.
 void clsDLManager::EndAsyncTask(enmAsyncTaskID task, QString text)
 {
-    m_asyncBusy = false;
-    m_asyncTask = eNone;
-    stopTaskTimer();
+    if (m_AsyncTaskTimer == 0) {
+        m_asyncBusy = false;
+        m_asyncTask = eNone;
+    }
     if (task == eDownload || task == eReportConfigurations)
         Q_EMIT ReportConfigurationsUpdate(text);
 }
 
 void clsDLManager::withdrawTask()
 {
-    if (m_AsyncTaskTimer != 0)
-        EndAsyncTask(eNone, {});
+    if (m_AsyncTaskTimer == 0)
+        return;
+    stopTaskTimer();
+    m_asyncBusy = false;
+    m_asyncTask = eNone;
 }
 
 void clsDLManager::stopTaskTimer()

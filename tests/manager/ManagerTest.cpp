@@ -414,7 +414,10 @@ TEST_F(ManagerTest, ATaskRunsAfterTheCallAndAlwaysEnds)
     EXPECT_EQ(lastErrorText(), QStringLiteral("12 Serial port in use by another application"));
 
     EXPECT_TRUE(manager->AsyncTaskProcess(eLoadFiles, QStringLiteral("C:\\fw\\a.srec")));
+    EXPECT_EQ(load("missing.srec"), 33);
+    EXPECT_TRUE(manager->AsyncTaskBusy()) << "a direct operation swallows no task";
     machine.time.pause(std::chrono::seconds(1));
+    EXPECT_EQ(lastErrorText(), QStringLiteral("0 Success"));
     EXPECT_FALSE(manager->AsyncTaskBusy());
     EXPECT_EQ(reports.size(), 1);
 }
