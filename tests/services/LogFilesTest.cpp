@@ -89,6 +89,16 @@ TEST_F(LogFilesTest, TheNumbersEndAt32767)
     EXPECT_EQ(failureNumber([&] { return chooseLogPaths(machine.platform).download; }), 6);
 }
 
+TEST_F(LogFilesTest, AFileIsMovedAsideInItsOwnFolder)
+{
+    for (const QString& folder : {u"/home/me/"_s, u"C:\\a\\"_s, u"/opt/tool\\"_s, u""_s}) {
+        machine.files.files = {{folder + u"my.log"_s, {"mine", today}}};
+        BackupOldLogFile(machine.platform, folder + u"my.log"_s);
+        EXPECT_EQ(machine.files.files.size(), 1U);
+        EXPECT_EQ(machine.files.files[folder + u"old_my.log"_s].content, "mine");
+    }
+}
+
 TEST_F(LogFilesTest, DirectCallsFailTowardsTheirCaller)
 {
     EXPECT_EQ(failureNumber([&] { return FileIsOld(machine.platform, u"none"_s); }), 2);
@@ -98,9 +108,6 @@ TEST_F(LogFilesTest, DirectCallsFailTowardsTheirCaller)
     EXPECT_FALSE(FileIsOld(machine.platform, u"my.log"_s));
     machine.time.pause(std::chrono::seconds(1));
     EXPECT_TRUE(FileIsOld(machine.platform, u"my.log"_s));
-    BackupOldLogFile(machine.platform, u"my.log"_s);
-    EXPECT_EQ(machine.files.files[u"old_my.log"_s].content, "mine");
-    EXPECT_FALSE(machine.files.files.contains(u"my.log"_s));
 }
 
 } // namespace

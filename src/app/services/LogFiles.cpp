@@ -6,6 +6,7 @@
 #include "platform/Platform.h"
 #include "platform/PlatformFailure.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <limits>
 
@@ -54,7 +55,7 @@ bool FileIsOld(const Platform& platform, const QString& strPath)
 
 void BackupOldLogFile(const Platform& platform, const QString& strPath)
 {
-    const qsizetype name = strPath.lastIndexOf(u'\\') + 1;
+    const qsizetype name = std::max(strPath.lastIndexOf(u'\\'), strPath.lastIndexOf(u'/')) + 1;
     const QString backup = strPath.first(name) + QStringLiteral("old_") + strPath.sliced(name);
     if (platform.files.exists(backup))
         platform.files.remove(backup);

@@ -26,7 +26,8 @@ struct LogPaths {
 [[nodiscard]] bool FileIsOld(const Platform& platform, const QString& strPath);
 
 /// Moves the file to the same folder under its name with "old_" before it, replacing what stands
-/// there. Throws PlatformFailure when that fails.
+/// there. A client may name its file with the system's "/" as well. Throws PlatformFailure when
+/// that fails.
 void BackupOldLogFile(const Platform& platform, const QString& strPath);
 
 } // namespace fldc
