@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
+#include <ctime>
 #include <utility>
 
 namespace fldc::bench {
@@ -16,6 +17,15 @@ double medianOf(std::vector<double> values)
     return *middle;
 }
 
+double millisecondsNow(Time time)
+{
+    if (time == Time::Processor)
+        return static_cast<double>(std::clock()) * 1000.0 / CLOCKS_PER_SEC;
+    const std::chrono::duration<double, std::milli> now =
+        std::chrono::steady_clock::now().time_since_epoch();
+    return now.count();
+}
+
 } // namespace
 
 void SideBySide::add(std::string name, std::function<bool()> run)
@@ -27,15 +37,13 @@ bool SideBySide::measure(int rounds)
 {
     for (int round = 0; round <= rounds; ++round) {
         for (Competitor& competitor : m_competitors) {
-            const auto start = std::chrono::steady_clock::now();
+            const double start = millisecondsNow(m_time);
             if (!competitor.run()) {
                 std::fprintf(stderr, "%s failed\n", competitor.name.c_str());
                 return false;
             }
-            const std::chrono::duration<double, std::milli> taken =
-                std::chrono::steady_clock::now() - start;
             if (round > 0) // the first round warms up
-                competitor.milliseconds.push_back(taken.count());
+                competitor.milliseconds.push_back(millisecondsNow(m_time) - start);
         }
     }
     return true;

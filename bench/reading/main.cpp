@@ -109,7 +109,7 @@ bool measureInProcess(const Sample& sample, int rounds, const char* kind)
             return readFirmware(path, compression).size() == sample.payload.size();
         };
     };
-    SideBySide race;
+    SideBySide race(Time::Processor);
     race.add(bareName, [&] { return parseBareFile(sample.byteFile, sample.payload); });
     race.add(plainName, reads(sample.byteFile, Compression::None));
     race.add(plainWordsName, reads(sample.wordFile, Compression::None));
@@ -118,7 +118,8 @@ bool measureInProcess(const Sample& sample, int rounds, const char* kind)
     if (!race.measure(rounds))
         return false;
     const double mebibytes = static_cast<double>(sample.payload.size()) / 1048576.0;
-    std::printf("\n%.0f MiB of %s, in process, median of %d\n\n", mebibytes, kind, rounds);
+    std::printf("\n%.0f MiB of %s, in process, processor time, median of %d\n\n", mebibytes, kind,
+                rounds);
     std::printf("| %-44s | %9s | %9s | %9s | %8s |\n", "", "median ms", "fastest", "slowest",
                 "MiB/s");
     race.print(mebibytes);
@@ -137,7 +138,7 @@ bool measureProcesses(const Sample& sample, const QString& self, const QString& 
     const QString srecCat = QStandardPaths::findExecutable(u"srec_cat"_s);
     const QString objcopy = QStandardPaths::findExecutable(u"objcopy"_s);
     const std::string ownName = "reader, without compression";
-    SideBySide race;
+    SideBySide race(Time::Wall);
     race.add(ownName, [&] { return runProcess(self, {u"--convert"_s, sample.byteFile, out}); });
     if (!srecCat.isEmpty())
         race.add("srec_cat", [&] {
@@ -152,8 +153,8 @@ bool measureProcesses(const Sample& sample, const QString& self, const QString& 
     if (!race.measure(rounds))
         return false;
     const double mebibytes = static_cast<double>(sample.payload.size()) / 1048576.0;
-    std::printf("\n%.0f MiB, whole processes, read and write binary, median of %d\n\n", mebibytes,
-                rounds);
+    std::printf("\n%.0f MiB, whole processes, read and write binary, wall clock, median of %d\n\n",
+                mebibytes, rounds);
     std::printf("| %-44s | %9s | %9s | %9s | %8s |\n", "", "median ms", "fastest", "slowest",
                 "MiB/s");
     race.print(mebibytes);
