@@ -1,7 +1,6 @@
 #pragma once
 
 #include "firmware/SRecordReader.h"
-#include "platform/PlatformFailure.h"
 
 #include <QByteArray>
 #include <QString>
@@ -10,7 +9,6 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <vector>
 
 namespace fldc::test {
 
@@ -25,26 +23,18 @@ struct Outcome {
                                    Compression compression = Compression::Zlib,
                                    const QStringList& boxes = {});
 
-/// The lines, each with @p lineEnd behind it.
-[[nodiscard]] QByteArray joined(const std::vector<std::string>& lines,
-                                const char* lineEnd = "\r\n");
+/// @p text with a blank behind every data record that is as long as its count says, which keeps it
+/// from the fast way of reading.
+[[nodiscard]] QByteArray madeSlow(const QByteArray& text);
+
+/// What the compressed data give when they are sent in chunks and inflated; empty when they are
+/// not as long as announced, or have more behind the stream than the byte that makes them even.
+[[nodiscard]] QByteArray inflated(colDataBlocks& blocks);
 
 /// Every image in a line of its own: key (readFirmware reads a file "f"), tag in quotes, bits,
 /// record types, targets, and of every table the address, length, byte count and data, as in
 ///
 ///     f 'RV' 16 S1/S9 <RVKB1:2> 4096+2(4)=00010203
 [[nodiscard]] std::string describe(const colFiles& images);
-
-/// Number of the PlatformFailure that @p action throws; 0 when it throws none.
-template <class Action>
-int failureOf(Action action)
-{
-    try {
-        action();
-        return 0;
-    } catch (const PlatformFailure& failure) {
-        return failure.number();
-    }
-}
 
 } // namespace fldc::test
