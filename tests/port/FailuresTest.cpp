@@ -25,7 +25,7 @@ struct FailureCase {
 
 class Failures : public PortTest, public testing::WithParamInterface<FailureCase> {};
 
-TEST_P(Failures, AreRecordedAsACodeAndNotLogged)
+TEST_P(Failures, AreRecordedAsACode)
 {
     for (const auto& [failure, expected] : GetParam().codes) {
         if (GetParam().opened && !line().portOpen())
@@ -36,7 +36,6 @@ TEST_P(Failures, AreRecordedAsACodeAndNotLogged)
         EXPECT_EQ(code(), expected) << failure;
         EXPECT_EQ(line().settings(), u"9600,n,8,1"_s); // a line that can't be closed keeps its own
     }
-    EXPECT_EQ(logged(), "");
 }
 
 INSTANTIATE_TEST_SUITE_P(
@@ -67,11 +66,10 @@ TEST_F(PortTest, AnOpenLineIsNotOpenedAgainAndAClosedOneNotWritten)
 
 // ---- The three waits ------------------------------------------------------------------------
 
-/// A wait of each kind, and the code that it gives for a line that fails and for want of a timer.
+/// A wait of each kind, and the code that it gives for a line that fails.
 struct Wait {
     Operation operation;
     int lineFailed;
-    int noTimer;
 };
 
 class EachWait : public PortTest, public testing::WithParamInterface<Wait> {
@@ -93,18 +91,6 @@ TEST_P(EachWait, EndsWhenTheLineHangsUpOrIsClosed)
     EXPECT_EQ(now(), 600);
 }
 
-TEST_P(EachWait, EndsWhenNoTimerCanBeHad)
-{
-    open();
-    line().play("<300 AE AE");
-    after(100, [this] { machine.time.refuseTimers(); });
-    for (int attempt = 0; attempt < 2; ++attempt) { // the timer is refused anew, then at once
-        wait();
-        EXPECT_EQ(code(), GetParam().noTimer);
-        EXPECT_EQ(now(), 300);
-    }
-}
-
 TEST_P(EachWait, EndsWhenItIsCancelledAndNothingMoreIsSentOrAwaited)
 {
     open();
@@ -119,23 +105,9 @@ TEST_P(EachWait, EndsWhenItIsCancelledAndNothingMoreIsSentOrAwaited)
     }
     EXPECT_EQ(code(), 1);
     EXPECT_EQ(now(), 300);
-    EXPECT_EQ(logged(), "");
     port.ClosePort();
     EXPECT_EQ(code(), 0);
     EXPECT_FALSE(line().portOpen());
-}
-
-TEST_P(EachWait, IsNotDisturbedByWhatItsEventsDo)
-{
-    open();
-    line().play("<300 56 2A AF AF");
-    after(100, [this] {
-        lastError().set(Code::FileSelectionCancelled);
-        port.setPortType(std::make_shared<ScriptedLine>(machine.time));
-    });
-    wait();
-    EXPECT_EQ(code(), 0);
-    EXPECT_EQ(now(), 300);
 }
 
 TEST_P(EachWait, ServesEventsWhileBytesKeepComing)
@@ -149,68 +121,24 @@ TEST_P(EachWait, ServesEventsWhileBytesKeepComing)
     EXPECT_GT(line().inBufferCount(), 9'900);
 }
 
-TEST_P(EachWait, FailsOnAPortThatWasGivenNoLine)
-{
-    port.setPortType(nullptr);
-    wait();
-    EXPECT_EQ(code(), GetParam().lineFailed);
-    for (const Operation& next : {openIt, closeIt, writeIt, speedIt}) {
-        lastError().clear();
-        next(port);
-        EXPECT_EQ(code(), 15);
-    }
-}
-
 INSTANTIATE_TEST_SUITE_P(
     Port, EachWait,
-    testing::Values(Wait{[](clsSerial& port) { port.ReadBinary(500, u"AFAF"_s, nullptr); }, 15, 41},
-                    Wait{[](clsSerial& port) { port.ReadBinary(500, u"2A"_s, nullptr); }, 15, 41},
+    testing::Values(Wait{[](clsSerial& port) { port.ReadBinary(500, u"AFAF"_s, nullptr); }, 15},
+                    Wait{[](clsSerial& port) { port.ReadBinary(500, u"2A"_s, nullptr); }, 15},
                     Wait{[](clsSerial& port) {
                              bool required = false;
                              port.WaitForReset(required, true);
                          },
-                         21, 21}));
+                         21}));
 
-TEST_F(PortTest, ATimerThatFailsIsShown)
+TEST_F(PortTest, StaleBytesGoBeforeARequestAndNotWithItsReply)
 {
-    struct BrokenTimers final : ITimers {
-        int start(std::chrono::milliseconds /*period*/, std::function<void()> /*call*/) override
-        {
-            throw PlatformFailure(FailureNumber::OutOfMemory);
-        }
-        void stop(int /*id*/) noexcept override {}
-    } timers;
-    modTimer timer(timers);
-    machine.messages.expectBox(u"Error 7 Out of memory"_s);
-    EXPECT_FALSE(timer.StartTimer(std::chrono::milliseconds(1)));
-    EXPECT_EQ(code(), 41);
-}
-
-// ---- A session ------------------------------------------------------------------------------
-
-TEST_F(PortTest, ASessionIsLoggedByteByByte)
-{
-    line().setCommPort(7);
-    EXPECT_EQ(port.PortName(), u"7"_s);
     open();
-    lastError().set(Code::NoResponse);
-    line().play("@ 115200");
-    port.SetPortParameters(u"115200"_s, 1);
-    EXPECT_EQ(code(), 0);
-    EXPECT_EQ(line().settings(), u"115200,n,8,1"_s);
-
     line().say("stale");
-    line().play("> 38 00 C7 FF\n< 43 01 12 34 AA CA\n> 5E\n< 76");
+    line().play("> 38 00 C7 FF\n< 43 01 12 34 AA CA");
     port.WriteBinary(someBytes);
-    EXPECT_EQ(code(), 0);
     EXPECT_EQ(port.ReadBinary(500, u"AFAF"_s, nullptr), u"43011234AACA"_s);
-    port.ResetRadio();
-    bool required = true;
-    port.WaitForReset(required, false);
-    EXPECT_FALSE(required);
-    port.ClosePort();
     EXPECT_EQ(code(), 0);
-    EXPECT_EQ(logged(), "Sent     : 3800C7FF|Received : 43011234AACA|Sent     : 5E|");
 }
 
 } // namespace

@@ -32,13 +32,11 @@ TEST(PortEnumeration, ListsTheComPortsInTheMachinesOrder)
 
 TEST(PortEnumeration, ReadsThePortNumber)
 {
-    EXPECT_EQ(PortNumber(u"7"_s), 7);
-    EXPECT_EQ(PortNumber(u" 16 "_s), 16);
-    EXPECT_EQ(PortNumber(u"COM12:"_s), 12);
-    EXPECT_EQ(PortNumber(u"COM1: (unavailable)"_s), 1);
-    EXPECT_EQ(PortNumber(u"COM5:6:"_s), 5);
-    EXPECT_EQ(PortNumber(u"COMx:"_s), 0);
-    EXPECT_EQ(PortNumber(u"COM:"_s), 0);
+    const std::pair<QString, int> cases[]{
+        {u" 16 "_s, 16},   {u"COM12:"_s, 12}, {u"COM1: (unavailable)"_s, 1},
+        {u"COM5:6:"_s, 5}, {u"COMx:"_s, 0},   {u"COM:"_s, 0}};
+    for (const auto& [text, number] : cases)
+        EXPECT_EQ(PortNumber(text), number) << qPrintable(text);
     for (const QString& text :
          {u"No available COM ports"_s, u"COM1"_s, u"C1:"_s, u":COM1"_s, u""_s})
         EXPECT_EQ(failureNumber([&] { return PortNumber(text); }), 5) << qPrintable(text);

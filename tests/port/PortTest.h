@@ -1,6 +1,5 @@
 #pragma once
 
-#include "app/services/LogState.h"
 #include "port/Cancellation.h"
 #include "port/clsSerial.h"
 #include "shared/LastError.h"
@@ -10,17 +9,10 @@
 
 namespace fldc {
 
-/// A port on a scripted line, with a download log at hand.
+/// A port on a scripted line.
 class PortTest : public testing::Test {
 protected:
-    PortTest()
-    {
-        port.setPortType(machine.lines.line);
-        logState().enabled = true;
-        logState().download = std::make_shared<clsLogFile>(machine.platform);
-        logState().download->setFileName(logPath);
-        logState().download->OpenLogFile(QStringLiteral("1"));
-    }
+    PortTest() { port.setPortType(machine.lines.line); }
 
     void open()
     {
@@ -41,18 +33,8 @@ protected:
     [[nodiscard]] static int code() { return lastError().number(); }
     /// Virtual milliseconds since the test began.
     [[nodiscard]] int now() const { return static_cast<int>(machine.time.monotonic().count()); }
-    /// The log's lines behind its header, without their times, separated by "|".
-    [[nodiscard]] QByteArray logged()
-    {
-        QList<QByteArray> lines = machine.files.files[logPath].content.trimmed().split('\n');
-        QByteArray all;
-        for (const QByteArray& entry : lines.mid(6))
-            all += entry.mid(20).trimmed() + '|';
-        return all;
-    }
 
     VirtualPlatform machine;
-    const QString logPath = QStringLiteral("log");
     std::shared_ptr<Cancellation> cancellation = std::make_shared<Cancellation>();
     clsSerial port{machine.platform, cancellation};
 };
