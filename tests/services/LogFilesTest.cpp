@@ -1,6 +1,4 @@
 #include "app/services/LogFiles.h"
-#include "app/services/LogState.h"
-#include "support/Failures.h"
 #include "support/VirtualPlatform.h"
 
 #include <gtest/gtest.h>
@@ -65,30 +63,6 @@ TEST_F(LogFilesTest, APairOfWhichOneFileIsHeldIsPassedOver)
                                     u"2_Download.log=log"_s, u"old_0_Config.log=log"_s}));
 }
 
-TEST_F(LogFilesTest, AnOpenLogIsHeld)
-{
-    logState().enabled = true;
-    {
-        clsLogFile log(machine.platform);
-        log.setFileName(in(u"0_Config.log"_s));
-        log.OpenLogFile(u"1"_s);
-        expectChoice(1);
-    }
-    expectChoice(0);
-}
-
-TEST_F(LogFilesTest, TheNumbersEndAt32767)
-{
-    for (int number = 0; number < 32767; ++number) {
-        put(QString::number(number) + u"_Config.log"_s, today);
-        hold(QString::number(number) + u"_Config.log"_s);
-    }
-    expectChoice(32767);
-    put(u"32767_Download.log"_s, today);
-    hold(u"32767_Download.log"_s);
-    EXPECT_EQ(failureNumber([&] { return chooseLogPaths(machine.platform).download; }), 6);
-}
-
 TEST_F(LogFilesTest, AFileIsMovedAsideInItsOwnFolder)
 {
     for (const QString& folder : {u"/home/me/"_s, u"C:\\a\\"_s, u"/opt/tool\\"_s, u""_s}) {
@@ -97,17 +71,6 @@ TEST_F(LogFilesTest, AFileIsMovedAsideInItsOwnFolder)
         EXPECT_EQ(machine.files.files.size(), 1U);
         EXPECT_EQ(machine.files.files[folder + u"old_my.log"_s].content, "mine");
     }
-}
-
-TEST_F(LogFilesTest, DirectCallsFailTowardsTheirCaller)
-{
-    EXPECT_EQ(failureNumber([&] { return FileIsOld(machine.platform, u"none"_s); }), 2);
-    EXPECT_EQ(failureNumber([&] { return BackupOldLogFile(machine.platform, u"none"_s), 0; }), 2);
-    machine.files.files[u"my.log"_s] = {"mine", today};
-    machine.time.setStart(QDateTime(QDate(2026, 11, 22), QTime(23, 59, 59)));
-    EXPECT_FALSE(FileIsOld(machine.platform, u"my.log"_s));
-    machine.time.pause(std::chrono::seconds(1));
-    EXPECT_TRUE(FileIsOld(machine.platform, u"my.log"_s));
 }
 
 } // namespace
