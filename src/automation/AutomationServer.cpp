@@ -91,6 +91,11 @@ int AutomationServer::run()
     if (!m_connection.registerVirtualObject(rootPath, &m_tree, QDBusConnection::SubPath) ||
         !m_connection.registerService(busName))
         return failed("the name is taken on the session bus", busName);
+    // No client's leaving is heard of any more when the bus ends, as at the end of a desktop
+    // session.
+    m_connection.connect({}, QStringLiteral("/org/freedesktop/DBus/Local"),
+                         QStringLiteral("org.freedesktop.DBus.Local"),
+                         QStringLiteral("Disconnected"), &m_tree, SLOT(onDisconnected()));
     // A window that its user closes ends no client's work. (A property, because only programs with
     // a display have it.)
     QCoreApplication::instance()->setProperty("quitOnLastWindowClosed", false);
@@ -117,7 +122,6 @@ QString AutomationServer::pathOf(const AnyObject& object, const QString& client)
     const auto bound = std::ranges::find(m_classes, object.type, &BoundClass::type);
     if (bound == m_classes.end())
         throw PlatformFailure(FailureNumber::Internal);
-    watch(client);
     return m_objects.publish(*bound, object.object, client);
 }
 
@@ -133,6 +137,8 @@ std::shared_ptr<void> AutomationServer::objectAt(const QString& path, std::type_
 
 PublishedObject AutomationServer::objectFor(const QString& path, const QString& client)
 {
+    // Also one that holds nothing: what it asks of another client's manager ends with it.
+    watch(client);
     if (path == rootPath)
         return {&m_applicationClass, {std::shared_ptr<void>(), this}, {}};
     if (path == classPath(managerClass))
@@ -168,7 +174,6 @@ QStringList AutomationServer::childrenOf(const QString& path) const
 QDBusObjectPath AutomationServer::CreateInstance(const QString& strClass, const QString& client)
 {
     if (strClass == managerClass) {
-        watch(client);
         return QDBusObjectPath(m_objects.publishNew(
             m_managerClass, client, [this](const QString& path) { return makeManager(path); }));
     }
@@ -205,7 +210,6 @@ std::shared_ptr<ManagerObject> AutomationServer::globalManager(const QString& cl
 {
     if (!m_global)
         m_global = makeManager(classPath(managerClass));
-    watch(client);
     m_globalClients.insert(client);
     return m_global;
 }
@@ -296,6 +300,11 @@ void AutomationServer::callServed()
         m_endTimer.stop();
     else if (!m_endTimer.isActive())
         m_endTimer.start(endGrace);
+}
+
+void AutomationServer::busGone()
+{
+    interrupt();
 }
 
 // From here on the bus starts a new process for new calls. Those that it has delivered already are

@@ -50,6 +50,7 @@ private:
     [[nodiscard]] const BoundClass* classAt(const QString& path) const override;
     [[nodiscard]] QStringList childrenOf(const QString& path) const override;
     void callServed() override;
+    void busGone() override;
 
     // Application
     void bindApplication();

@@ -22,6 +22,8 @@ public:
     [[nodiscard]] virtual QStringList childrenOf(const QString& path) const = 0;
     /// After each call, whatever its outcome.
     virtual void callServed() = 0;
+    /// The bus itself has ended.
+    virtual void busGone() = 0;
 };
 
 /// Serves every call to the service's objects: checks it against the type library, runs it and
@@ -31,11 +33,15 @@ public:
 /// a property that can't be read must answer with an error, as must a member that fails, and no
 /// exception may reach Qt. Qt's adaptors offer none of these for properties.
 class ObjectTree final : public QDBusVirtualObject {
+    Q_OBJECT
 public:
     ObjectTree(const TypeLibrary& library, IObjectSource& source);
 
     [[nodiscard]] QString introspect(const QString& path) const override;
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override;
+
+public Q_SLOTS:
+    void onDisconnected() { m_source.busGone(); }
 
 private:
     [[nodiscard]] QVariantList answer(const QDBusMessage& message);
