@@ -21,6 +21,7 @@ from gi.repository import GLib
 SIMULATOR, SOURCES, IN_PROCESS = sys.argv[1], pathlib.Path(sys.argv[2]), sys.argv[3]
 NAME = "com.kelvane.RV4100_FLDC_EXE"
 ROOT = "/com/kelvane/RV4100_FLDC_EXE"
+PROGRAM = pathlib.Path(SIMULATOR).with_name("rv4100_fldc")
 GLOBAL = ROOT + "/clsDLManager"
 FILES = [str(SOURCES / "samples/rv4200" / name) for name in ("application.srec", "dsp.srec")]
 DOWNLOAD, LOAD, REPORT = 1, 2, 3
@@ -34,23 +35,18 @@ SetBaudRate i>|FormatMessage i>s|StayConnected readwrite b|ResetRadio >i|AsyncTa
 AsyncTaskBusy read b|LoadFilesEx ss>n|AccessLevel write i|FileIsOld s>b|BackupOldLogFile s>|
 LoadFilesByPath ss>""".replace("\n", "").split("|")
 EVENTS = ["DownloadProgressUpdate isi", "ReportConfigurationsUpdate s", "PowerCycleRequired "]
-BLOCKS = ["FindBlock i>n", "Add nsss>o", "Item v>o", "Count read i", "Remove v>", "NewEnum >ao"]
-CONFIGURATIONS = ["Add ss>o", "Item v>o", "Count read i", "Remove v>", "NewEnum >ao", "AllConfigNetworksZero >b"]
-DATA_BLOCKS = ["Add s>", "Item i>s", "Count read i", "GetAllData >s", "data >ay", "CompressedCount read i"]
 
 
 def members(interface):
     """The members of an interface element, in the form of the lists above."""
     texts = []
     for member in interface:
-        types = {way: "".join(arg.get("type") for arg in member if arg.get("direction", "in") == way)
-                 for way in ("in", "out")}
-        if member.tag == "method":
-            texts.append(f"{member.get('name')} {types['in']}>{types['out']}")
-        elif member.tag == "signal":
-            texts.append(f"{member.get('name')} {types['in']}")
-        elif member.tag == "property":
-            texts.append(f"{member.get('name')} {member.get('access')} {member.get('type')}")
+        taken, given = ("".join(arg.get("type") for arg in member.findall("arg") if arg.get("direction", "in") == way)
+                        for way in ("in", "out"))
+        types = {"method": f"{taken}>{given}", "signal": taken,
+                 "property": f"{member.get('access')} {member.get('type')}"}
+        if member.tag in types:
+            texts.append(f"{member.get('name')} {types[member.tag]}")
     return texts
 
 
@@ -74,13 +70,16 @@ class Client:
             dbus_interface=NAME + ".__clsDLManager", member_keyword="member", path_keyword="path")
 
     def create(self, name="clsDLManager"):
-        return self.object(self.call(ROOT, "Application", "CreateInstance", "s", name), name)
+        return self.object(self.call(ROOT, NAME + ".Application", "CreateInstance", "s", name), name)
 
     def object(self, path, name="clsDLManager"):
         return Proxy(self, path, "_" + name)
 
-    def call(self, path, interface, member, signature, *arguments, seconds=120):
-        return self.bus.call_blocking(NAME, path, f"{NAME}.{interface}", member, signature, arguments, seconds)
+    def call(self, path, interface, member, signature, *arguments):
+        return self.bus.call_blocking(NAME, path, interface, member, signature, arguments, 120)
+
+    def release(self, path):
+        self.call(ROOT, NAME + ".Application", "ReleaseInstance", "o", path)
 
     def leave(self):
         self.bus.close()
@@ -90,33 +89,28 @@ class Proxy:
     """An object; each member is called with its signature and arguments."""
 
     def __init__(self, client, path, interface):
-        self.client, self.path, self.interface = client, path, interface
+        self.client, self.path, self.interface = client, path, f"{NAME}.{interface}"
 
     def __getattr__(self, member):
-        return lambda signature="", *arguments, **more: self.client.call(
-            self.path, self.interface, member, signature, *arguments, **more)
+        return lambda signature="", *arguments: self.client.call(
+            self.path, self.interface, member, signature, *arguments)
 
-    def _property(self, member, signature, *arguments):
-        return self.client.bus.call_blocking(NAME, self.path, dbus.PROPERTIES_IFACE, member, signature,
-                                             (f"{NAME}.{self.interface}", *arguments))
+    def property(self, member, signature, *arguments):
+        return self.client.call(self.path, dbus.PROPERTIES_IFACE, member, signature, self.interface, *arguments)
 
     def get(self, name):
-        return self._property("Get", "ss", name)
-
-    def get_all(self):
-        return self._property("GetAll", "s")
+        return self.property("Get", "ss", name)
 
     def set(self, name, value):
-        self._property("Set", "ssv", name, value)
+        self.property("Set", "ssv", name, value)
 
     def introspect(self):
-        return ElementTree.fromstring(self.client.bus.call_blocking(
-            NAME, self.path, dbus.INTROSPECTABLE_IFACE, "Introspect", "", ()))
+        return ElementTree.fromstring(self.client.call(self.path, dbus.INTROSPECTABLE_IFACE, "Introspect", ""))
 
     def start(self, member, signature, *arguments):
         """Calls without waiting; returns a list that receives the results or the error."""
         outcome = []
-        self.client.bus.call_async(NAME, self.path, f"{NAME}.{self.interface}", member, signature, arguments,
+        self.client.bus.call_async(NAME, self.path, self.interface, member, signature, arguments,
                                    lambda *results: outcome.extend(results), outcome.append, 120)
         return outcome
 
@@ -130,6 +124,8 @@ class Automation(unittest.TestCase):
     def setUpClass(cls):
         DBusGMainLoop(set_as_default=True)
         cls.daemon = dbus.SessionBus()
+        # On a bus of its own, where nobody calls it.
+        cls.unattended = subprocess.Popen(["dbus-run-session", "--", "timeout", "20", PROGRAM, "--automation"])
 
     def setUp(self):
         self._folder = tempfile.TemporaryDirectory(prefix="fldc-")
@@ -155,10 +151,13 @@ class Automation(unittest.TestCase):
     def running(self):
         return self.daemon.name_has_owner(NAME)
 
+    def service_id(self):
+        return self.daemon.call_blocking("org.freedesktop.DBus", "/", "org.freedesktop.DBus",
+                                         "GetConnectionUnixProcessID", "s", (NAME,))
+
     def end_service(self):
         if self.running():
-            os.kill(self.daemon.call_blocking("org.freedesktop.DBus", "/", "org.freedesktop.DBus",
-                                              "GetConnectionUnixProcessID", "s", (NAME,)), signal.SIGTERM)
+            os.kill(self.service_id(), signal.SIGTERM)
         self.assertTrue(wait_for(lambda: not self.running()), "the service does not end on SIGTERM")
 
     def radio(self, number, *arguments, profile="rv4200"):
@@ -182,6 +181,9 @@ class Automation(unittest.TestCase):
             call(*arguments)
         self.assertEqual(caught.exception.get_dbus_name(), name)
         return caught.exception.get_dbus_message()
+
+    def assert_failure(self, number, call, *arguments):
+        self.assertRegex(self.assert_error(FAILURE, call, *arguments), f"^{number}: ")
 
     def end_and_check_log(self):
         """The name goes first, then the managers with their logs."""
@@ -212,11 +214,9 @@ class Automation(unittest.TestCase):
         for name in ("_colDefTables", "_clsDefinitionTable"):  # nothing hands them to a client
             served[f"{NAME}.{name}"] = published[f"{NAME}.{name}"]
         self.assertEqual(served, published)
-        for name, expected in (("Application", ["CreateInstance s>o", "ReleaseInstance o>"]),
-                               ("_clsDLManager", MANAGER), ("__clsDLManager", EVENTS),
-                               ("_colFlashBlocks", BLOCKS), ("_colConfigurations", CONFIGURATIONS),
-                               ("_colDataBlocks", DATA_BLOCKS)):
-            self.assertEqual(served[f"{NAME}.{name}"], expected)
+        self.assertEqual(served[NAME + ".Application"], ["CreateInstance s>o", "ReleaseInstance o>"])
+        self.assertEqual(served[NAME + "._clsDLManager"], MANAGER)
+        self.assertEqual(served[NAME + ".__clsDLManager"], EVENTS)
 
     def test_a_download_as_a_task(self):
         self.radio(1)
@@ -241,7 +241,7 @@ class Automation(unittest.TestCase):
         self.assertEqual([step for step in steps if step[1] == 100], [(1, 100), (2, 100)])
         self.assertEqual(manager.GetLastError(), (0, "Success"))
         # Nothing was run a second time; the other manager sent nothing.
-        self.assertFalse(wait_for(lambda: len(manager.events()) > len(progress) + 1, 1))
+        self.assertFalse(wait_for(lambda: len(manager.events()) > len(progress) + 1, 0.5))
         self.assertEqual(other.events(), [])
         self.end_and_check_log()
 
@@ -282,50 +282,44 @@ class Automation(unittest.TestCase):
     def test_garbage(self):
         manager, blocks = self.manager(self.client, "1", files=False), self.client.create("colDataBlocks")
         huge = "x" * 2**20
-        for name in ("", "clsProtocol", "clsConfiguration", "clsdlmanager", huge):
+        for name in ("", "clsConfiguration", huge):
             self.assert_error(INVALID, self.client.create, name)
         for path in ("/", ROOT, ROOT + "/clsDLManager/99", ROOT + "/clsRadio", GLOBAL):
-            self.assert_error(UNKNOWN_OBJECT, self.client.call, ROOT, "Application", "ReleaseInstance", "o", path)
+            self.assert_error(UNKNOWN_OBJECT, self.client.release, path)
         self.assert_error(UNKNOWN_OBJECT, self.client.object(ROOT + "/clsDLManager/_1").GetLastError)
         self.assert_error(UNKNOWN_OBJECT, self.client.object(ROOT + "/clsRadio/7").introspect)
         self.assert_error("org.freedesktop.DBus.Error.UnknownMethod", manager.ReleaseWindow)
         for signature, values in (("", ()), ("i", (1,)), ("ss", ("COM1:", "x")), ("sbs", ("COM1:", True, "x"))):
             self.assert_error(INVALID, manager.SetPort, signature, *values)
         for number in (3, -1, -2**31, 2**31 - 1):
-            self.assertRegex(self.assert_error(FAILURE, manager.FormatMessage, "i", number), "^5: ")
+            self.assert_failure(5, manager.FormatMessage, "i", number)
         self.assertEqual(manager.FormatMessage("i", 33), "File does not exist")
-        manager.SetBaudRate("i", -19200)
         self.assertEqual(manager.SetPort("sb", huge, False), 11)
         self.assertEqual(manager.LoadFilesEx("ss", huge, huge), 33)
-        self.assertEqual(manager.LoadFilesEx("ss", "|" * 1000, ""), 33)
-        self.assertRegex(self.assert_error(FAILURE, manager.FileIsOld, "s", huge), "^[0-9]+: ")
         # Properties: one can only be written, one only be read.
-        self.assertEqual(manager.get_all(), {"RadioType": 0, "StayConnected": False, "AsyncTaskBusy": False})
+        self.assertEqual(manager.property("GetAll", "s"),
+                         {"RadioType": 0, "StayConnected": False, "AsyncTaskBusy": False})
         self.assert_error("org.freedesktop.DBus.Error.AccessDenied", manager.get, "AccessLevel")
         self.assert_error("org.freedesktop.DBus.Error.PropertyReadOnly", manager.set, "AsyncTaskBusy", True)
         self.assert_error("org.freedesktop.DBus.Error.UnknownProperty", manager.get, "UIDisplay")
-        self.assertRegex(self.assert_error(FAILURE, manager.set, "RadioType", "x"), "^13: ")
-        self.assertRegex(self.assert_error(FAILURE, manager.set, "RadioType", dbus.Int64(2**40)), "^6: ")
-        manager.set("RadioType", dbus.Int16(3))
-        manager.set("AccessLevel", 5)
+        self.assert_failure(13, manager.set, "RadioType", "x")
+        self.assert_failure(6, manager.set, "RadioType", dbus.Int64(2**40))
         for index in (-1, 0, 2**31 - 1):
-            self.assertRegex(self.assert_error(FAILURE, blocks.Item, "i", index), "^5: ")
-        self.assertRegex(self.assert_error(FAILURE, blocks.Add, "s", "0G"), "^13: ")
+            self.assert_failure(5, blocks.Item, "i", index)
+        self.assert_failure(13, blocks.Add, "s", "0G")
         # A member without a failure trap, and without its window.
         manager.ShutDownUiLessMode()
-        self.assertRegex(self.assert_error(FAILURE, manager.set, "StayConnected", True), "^91: ")
-        self.assertEqual(manager.get("RadioType"), 3)
+        self.assert_failure(91, manager.set, "StayConnected", True)
 
     def test_supporting_classes(self):
         radio = self.client.create("clsRadio")
         configurations = self.client.object(radio.get("Configurations"), "colConfigurations")
         first = configurations.Add("ss", "004100420031" + "0000" + "0001A000" + "0001" + "02" + "03", "")
-        self.assertEqual(self.client.object(first, "clsConfiguration").get_all(), {
-            "ProductID": "AB1", "ConfigurationAddress": 0x1A000, "Status": 1, "NetWorkID": 2, "DeviceID": 3,
-            "MemoryDeviceID": "", "blnCanBeErased": False, "ComponentType": "", "HardwareString": ""})
-        self.assertFalse(configurations.AllConfigNetworksZero())
+        values = self.client.object(first, "clsConfiguration").property("GetAll", "s")
+        self.assertEqual([values[name] for name in ("ProductID", "ConfigurationAddress", "NetWorkID", "DeviceID")],
+                         ["AB1", 0x1A000, 2, 3])
         self.assertEqual(configurations.Item("v", 1), first)
-        self.assertRegex(self.assert_error(FAILURE, configurations.Item, "v", 2), "^5: ")
+        self.assert_failure(5, configurations.Item, "v", 2)
         blocks = self.client.object(radio.get("FlashBlocks"), "colFlashBlocks")
         paths = [blocks.Add("nsss", 7, "00001000", "800", "Boot"), blocks.Add("nsss", 8, "1800", "800", "")]
         self.assertEqual([blocks.FindBlock("i", address) for address in (0x1000, 0x17FF, 0x1800, -1)], [7, 7, 8, -1])
@@ -337,12 +331,7 @@ class Automation(unittest.TestCase):
         other = self.client.create("clsRadio")
         other.set("FlashBlocks", dbus.ObjectPath(blocks.path))
         self.assertEqual(other.get("FlashBlocks"), blocks.path)
-        self.assertRegex(self.assert_error(FAILURE, other.set, "FlashBlocks", dbus.ObjectPath(first)), "^13: ")
-        data = self.client.create("colDataBlocks")
-        self.assertEqual(bytes(data.data()), bytes(513))
-        data.Add("s", "0102")
-        data.Add("s", "ff")
-        self.assertEqual([data.get("Count"), data.Item("i", 2), data.GetAllData()], [3, "FF", "0102FF"])
+        self.assert_failure(13, other.set, "FlashBlocks", dbus.ObjectPath(first))
 
     def test_two_managers(self):
         self.radio(1, "--pace")
@@ -354,19 +343,14 @@ class Automation(unittest.TestCase):
         self.assertTrue(wait_for(lambda: one.events("DownloadProgressUpdate")))
         start = time.monotonic()
         for member, *arguments in (("ReportConfigurations", "s", ""), ("EraseSelected", "ss", "1", ""),
-                                   ("DownLoad", "s", ""), ("ResetRadio",), ("LoadFiles", "s", FILES[0]),
-                                   ("LoadFilesEx", "ss", FILES[0], ","), ("LoadFilesByPath", "ss", FILES[0], ","),
-                                   ("ValidFile", "s", FILES[0]), ("SetPort", "sb", "COM1:", False),
-                                   ("SetUIMode", "b", False), ("CreateNewLogFile",)):
+                                   ("DownLoad", "s", ""), ("ResetRadio",), ("LoadFilesEx", "ss", FILES[0], ","),
+                                   ("SetPort", "sb", "COM1:", False), ("SetUIMode", "b", False)):
             self.assert_error(BUSY, getattr(two, member), *arguments)
         self.assert_error(BUSY, two.set, "StayConnected", True)
         self.assert_error(BUSY, two.set, "AccessLevel", 10)
         self.assert_error(BUSY, one.ReportConfigurations, "s", "")
         self.assertFalse(one.AsyncTaskProcess("is", REPORT, ""), "would end with the running operation")
         self.assertTrue(two.AsyncTaskProcess("is", DOWNLOAD, ""), "waits for the running operation")
-        self.assertEqual(two.GetLastError()[0], 0)
-        self.assertEqual(two.FormatMessage("i", 0), "Success")
-        self.assertEqual(client.create().get("AsyncTaskBusy"), False)
         self.assertLess(time.monotonic() - start, 1)
         self.assertEqual(outcome, [], "the download has ended too early for this test")
         self.assertTrue(wait_for(lambda: outcome and two.events("ReportConfigurationsUpdate"), 60))
@@ -387,45 +371,42 @@ class Automation(unittest.TestCase):
             victim.kill()
         # Its operation ends, its object goes, and the port and logs are closed.
         self.assertTrue(wait_for(lambda: not self.client.object(ROOT).introspect().findall(
-            "node[@name='clsDLManager']/node") and self.gone(path), 5))
+            "node[@name='clsDLManager']/node") and self.error_of(
+                self.client.object(path).GetLastError) == UNKNOWN_OBJECT, 5))
         self.client.events.clear()
         self.assertEqual(bystander.DownLoad("s", "")[0], 0)
-        self.assertEqual(bystander.SetPort("sb", "COM1:", False), 0)
-        self.assertNotEqual(bystander.ReportConfigurations("s", "")[0], 12, "the port is still open")
+        descriptors = pathlib.Path(f"/proc/{self.service_id()}/fd").iterdir()
+        self.assertNotIn((self.folder / "radio1").resolve(), [link.resolve() for link in descriptors])
         self.client.leave()
         self.assertTrue(wait_for(lambda: not self.running(), 5), "the service outlives its last client")
         self.end_and_check_log()
 
-    def gone(self, path):
+    def error_of(self, call, *arguments):
         try:
-            self.client.object(path).GetLastError()
+            call(*arguments)
         except dbus.DBusException as error:
-            return error.get_dbus_name() == UNKNOWN_OBJECT
-        return False
+            return error.get_dbus_name()
+        return None
 
     def test_a_power_cycle_that_nobody_makes(self):
         self.radio(1, "--fault", "power-cycle")
-        for end in ("ShutDownUiLessMode", "ReleaseInstance", "leave"):
-            with self.subTest(end):
-                client = self.new_client()
-                manager = self.manager(client)
-                manager.set("AccessLevel", 10)
-                outcome = manager.start("DownLoad", "s", "")
-                self.assertTrue(wait_for(lambda: manager.events("PowerCycleRequired")))
-                start = time.monotonic()
-                if end == "leave":
-                    client.leave()
-                elif end == "ShutDownUiLessMode":
-                    manager.ShutDownUiLessMode()
-                else:
-                    client.call(ROOT, "Application", "ReleaseInstance", "o", manager.path)
-                if end == "leave":
-                    self.assertTrue(wait_for(lambda: self.gone(manager.path), 5))
-                    self.assertEqual(self.manager(self.client).GetLastError()[0], 0)
-                else:
-                    self.assertTrue(wait_for(lambda: outcome, 5))
-                    self.assertEqual(outcome[0], 1)
-                self.assertLess(time.monotonic() - start, 5)
+        visitor = self.new_client()
+        for caller, end in ((self.client, lambda: manager.ShutDownUiLessMode()), (visitor, visitor.leave),
+                            (self.client, lambda: self.client.release(manager.path))):
+            manager = self.manager(self.client)
+            manager.set("AccessLevel", 10)
+            caller.events.clear()
+            outcome = caller.object(manager.path).start("DownLoad", "s", "")
+            self.assertTrue(wait_for(lambda: caller.events and caller.events[-1][0] == "PowerCycleRequired"))
+            start = time.monotonic()
+            end()
+            if caller is visitor:  # which holds nothing, and hears nothing any more
+                self.assertTrue(wait_for(lambda: self.error_of(manager.CreateNewLogFile) != BUSY, 5))
+                self.assertEqual(manager.GetLastError()[0], 1)
+            else:
+                self.assertTrue(wait_for(lambda: outcome, 5))
+                self.assertEqual(outcome[0], 1)
+            self.assertLess(time.monotonic() - start, 5)
         self.end_and_check_log()
 
     def test_the_global_object_and_the_end_of_the_process(self):
@@ -438,15 +419,12 @@ class Automation(unittest.TestCase):
         self.assertEqual(second.create().get("RadioType"), 0)
         second.leave()
         self.client.leave()
-        time.sleep(3)
+        time.sleep(2)
         third = self.new_client()
         self.assertEqual(third.object(GLOBAL).get("RadioType"), 4, "kept for the next client of a script")
-        third.call(ROOT, "Application", "ReleaseInstance", "o", GLOBAL)
+        third.release(GLOBAL)
         self.assertTrue(wait_for(lambda: not self.running(), 20))
-        # Started, and nobody calls.
-        self.daemon.start_service_by_name(NAME)
-        self.assertFalse(wait_for(lambda: not self.running(), 3))
-        self.assertTrue(wait_for(lambda: not self.running(), 15))
+        self.assertEqual(self.unattended.wait(20), 0, "nobody called")
 
     def test_the_examples(self):
         for command in ([SOURCES / "examples/download.py", "COM1:"], [SOURCES / "examples/download.sh", "COM1:"],
