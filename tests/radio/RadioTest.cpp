@@ -84,7 +84,9 @@ TEST(Configurations, WhatCannotBeReadIsNotAdded)
         {u"004100000001A0000001020X", 13}};
     colConfigurations configurations;
     for (const auto& [data, number] : cases)
-        EXPECT_EQ(failureNumber([&] { configurations.Add(QString::fromUtf16(data), {}); }), number);
+        EXPECT_EQ(
+            failureNumber([&, text = data] { configurations.Add(QString::fromUtf16(text), {}); }),
+            number);
     EXPECT_EQ(configurations.Count(), 0);
 }
 
