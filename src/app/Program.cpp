@@ -22,7 +22,6 @@ Program::Program(bool onTerminal)
                 frmDownload::factory(m_qtPlatform.platform(), m_fileDialogs, m_helpViewer),
                 [this](const std::shared_ptr<DownloadWindow>& window) { watch(window); })
 {
-    QApplication::setApplicationDisplayName(ProgramInfo().title());
     frmIcon::useForApplication();
     if (onTerminal && isatty(STDERR_FILENO) != 0)
         m_terminal = std::make_unique<TerminalProgress>(STDERR_FILENO);
