@@ -2,6 +2,7 @@
 #include "manager/Session.h"
 
 #include "app/services/LogState.h"
+#include "platform/IProgramInfo.h"
 #include "platform/ISerialControl.h"
 #include "port/Cancellation.h"
 #include "port/PortEnumeration.h"
@@ -59,7 +60,8 @@ void clsDLManager::choosePort(const QString& strPort, bool blnUI)
 
     if (window->PortExists(strPort)) {
         const auto control = window->comSerialPort();
-        m_port = std::make_shared<clsSerial>(m_platform, m_cancellation);
+        m_port = std::make_shared<clsSerial>(m_platform, m_cancellation,
+                                             [this] { return userPresent(); });
         m_port->setPortType(control);
         m_port->ClosePort();
         control->setCommPort(PortNumber(strPort));
@@ -89,6 +91,13 @@ std::int16_t clsDLManager::SetUIMode(bool blnUIMode)
     if (operationRuns())
         lastError() = before; // it belongs to the operation
     return result;
+}
+
+// Whether somebody can see that an operation goes on, and end it.
+bool clsDLManager::userPresent() const
+{
+    const IProgramInfo& program = m_platform.program;
+    return (m_uiMode && program.screenPresent()) || program.userAtTerminal();
 }
 
 void clsDLManager::showWindow(bool blnUI)
