@@ -218,6 +218,17 @@ TEST_F(ProtocolTest, ACancellationEndsTheWaitAndNothingMoreIsSent)
     EXPECT_EQ(code(), 1);
 }
 
+TEST_F(ProtocolTest, FallsBackToTheSpeedAtWhichTheRadioWasFound)
+{
+    EXPECT_EQ(logOn<0>(*this, SILENT_START "@ 115200\n" READY "@ 57600\n" READY "< AF AF\n"),
+              QString());
+    ASSERT_EQ(code(), 0);
+    line().play("> 30 01 00 60 CF 9E\n@ 115200\n" READY "@ 57600\n" READY "< AF AF\n");
+    protocol.NegotiateBaud(window, port, 1);
+    EXPECT_EQ(code(), 0);
+    EXPECT_EQ(window.baud.last(), QStringLiteral("57600"));
+}
+
 TEST_F(ProtocolTest, ThePowerCycleOfAUserCanBeGivenUp)
 {
     line().play("@ 19200\n> 5E\n@ 9600\n> 5E\n< 56\n@ 19200\n");
@@ -367,6 +378,9 @@ TEST_F(Flash, FailuresEndItWhereTheyHappen)
 {
 #define LOCKED_WRITE ERASE PLAIN_ADDRESS "> 35 02 01 02 03 04 C6 F7\n< 81 04 AF AF\n"
     const auto file = fileOf({{65536, "\x01\x02\x03\x04"}}, false);
+    const auto cutOff = fileOf({{65536, "\x01\x02"}, {65600, "\x01\x02"}}, false);
+    cutOff->Definitiontables()->Add(65700);
+    cutOff->Definitiontables()->Datablocks(2)->Add(u"0102");
     const std::tuple<std::shared_ptr<clsFile>, const char*, int> cases[]{
         {file, "> 32 01 00 01 CD FD\n< 81 03 AF AF", 8103},
         {file, UNLOCK "> 33 01 00 01 CC FD\n< 81 04 AF AF", 8104},
@@ -384,6 +398,7 @@ TEST_F(Flash, FailuresEndItWhereTheyHappen)
          "> 34 02 00 01 FF FE CB FE", 42},
         // Nothing is sent for a file that does not fit, or has nothing in it.
         {fileOf({{0x2FFFE, "\x01\x02\x03\x04"}}, false), "", 8201}, {fileOf({}, false), "", 52},
+        {cutOff, "", 53}, // a run that was not read to its end
         {file, UNLOCK ERASE PLAIN_ADDRESS PLAIN_DATA "> 39 01 00 01 C6 FD\n! hangup", 15}};
     for (const auto& [each, script, expected] : cases) {
         line().play(script);
@@ -408,7 +423,7 @@ TEST_F(Flash, ErasesTheBlockOfAConfiguration)
     protocol.EraseFlashBlock(window, port, radio, 1);
     EXPECT_EQ(code(), 8103);
     protocol.EraseFlashBlock(window, port, radio, 2); // in no block: nothing is sent
-    EXPECT_EQ(code(), 8103);
+    EXPECT_EQ(code(), 8201);
     EXPECT_THROW(protocol.EraseFlashBlock(window, port, radio, 3), PlatformFailure);
 }
 
