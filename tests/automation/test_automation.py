@@ -192,7 +192,7 @@ class Automation(unittest.TestCase):
         def marks():
             log = (self.folder / "0_Download.log").read_text("latin-1")
             return log.count("START LOG"), log.count("END LOG")
-        wait_for(lambda: len(set(marks())) == 1, 5)
+        wait_for(lambda: len(set(marks())) == 1)
         self.assertEqual(*marks())
         self.assertNotEqual(marks()[0], 0)
 
@@ -262,7 +262,7 @@ class Automation(unittest.TestCase):
         # A window that nobody can see holds nothing.
         manager.SetUIMode("b", True)
         self.client.leave()
-        self.assertTrue(wait_for(lambda: not self.running(), 5))
+        self.assertTrue(wait_for(lambda: not self.running()))
 
     def test_tasks_that_fail_end(self):
         manager = self.manager(self.client, "1", files=False)  # without a radio its device is missing
@@ -341,7 +341,6 @@ class Automation(unittest.TestCase):
         self.assertNotEqual(one.path, two.path)
         outcome = one.start("DownLoad", "s", "")
         self.assertTrue(wait_for(lambda: one.events("DownloadProgressUpdate")))
-        start = time.monotonic()
         for member, *arguments in (("ReportConfigurations", "s", ""), ("EraseSelected", "ss", "1", ""),
                                    ("DownLoad", "s", ""), ("ResetRadio",), ("LoadFilesEx", "ss", FILES[0], ","),
                                    ("SetPort", "sb", "COM1:", False), ("SetUIMode", "b", False)):
@@ -351,7 +350,6 @@ class Automation(unittest.TestCase):
         self.assert_error(BUSY, one.ReportConfigurations, "s", "")
         self.assertFalse(one.AsyncTaskProcess("is", REPORT, ""), "would end with the running operation")
         self.assertTrue(two.AsyncTaskProcess("is", DOWNLOAD, ""), "waits for the running operation")
-        self.assertLess(time.monotonic() - start, 1)
         self.assertEqual(outcome, [], "the download has ended too early for this test")
         self.assertTrue(wait_for(lambda: outcome and two.events("ReportConfigurationsUpdate"), 60))
         self.assertEqual(outcome[0], 0)
@@ -372,13 +370,13 @@ class Automation(unittest.TestCase):
         # Its operation ends, its object goes, and the port and logs are closed.
         self.assertTrue(wait_for(lambda: not self.client.object(ROOT).introspect().findall(
             "node[@name='clsDLManager']/node") and self.error_of(
-                self.client.object(path).GetLastError) == UNKNOWN_OBJECT, 5))
+                self.client.object(path).GetLastError) == UNKNOWN_OBJECT))
         self.client.events.clear()
         self.assertEqual(bystander.DownLoad("s", "")[0], 0)
         descriptors = pathlib.Path(f"/proc/{self.service_id()}/fd").iterdir()
         self.assertNotIn((self.folder / "radio1").resolve(), [link.resolve() for link in descriptors])
         self.client.leave()
-        self.assertTrue(wait_for(lambda: not self.running(), 5), "the service outlives its last client")
+        self.assertTrue(wait_for(lambda: not self.running()), "the service outlives its last client")
         self.end_and_check_log()
 
     def error_of(self, call, *arguments):
@@ -398,15 +396,13 @@ class Automation(unittest.TestCase):
             caller.events.clear()
             outcome = caller.object(manager.path).start("DownLoad", "s", "")
             self.assertTrue(wait_for(lambda: caller.events and caller.events[-1][0] == "PowerCycleRequired"))
-            start = time.monotonic()
             end()
             if caller is visitor:  # which holds nothing, and hears nothing any more
-                self.assertTrue(wait_for(lambda: self.error_of(manager.CreateNewLogFile) != BUSY, 5))
+                self.assertTrue(wait_for(lambda: self.error_of(manager.CreateNewLogFile) != BUSY))
                 self.assertEqual(manager.GetLastError()[0], 1)
             else:
-                self.assertTrue(wait_for(lambda: outcome, 5))
+                self.assertTrue(wait_for(lambda: outcome))
                 self.assertEqual(outcome[0], 1)
-            self.assertLess(time.monotonic() - start, 5)
         self.end_and_check_log()
 
     def test_the_global_object_and_the_end_of_the_process(self):

@@ -6,6 +6,7 @@
 #include <QMessageBox>
 #include <QProcess>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTimer>
 
 #include <functional>
@@ -79,24 +80,30 @@ TEST(MessageChooser, ShowsAWindowOnlyWhereTheUserIsAtADisplay)
 
 TEST(QtPlatformChoice, StartsQuietlyWithoutADisplayThatCanBeReached)
 {
-    struct Row {
-        const char *display, *wayland, *chosen, *platform;
-    };
-    for (const Row row : {Row{"", "", "", "offscreen"}, Row{":987", "", "", "offscreen"},
-                          Row{":987", "none", "", "offscreen"}, Row{"", "none", "", "offscreen"},
-                          Row{":987", "", "minimal", "minimal"}}) {
-        auto environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"DISPLAY"_s, QString::fromLatin1(row.display));
-        environment.insert(u"WAYLAND_DISPLAY"_s, QString::fromLatin1(row.wayland));
-        environment.insert(u"QT_QPA_PLATFORM"_s, QString::fromLatin1(row.chosen));
-        environment.remove(u"XDG_RUNTIME_DIR"_s);
-        QProcess program;
-        program.setProcessEnvironment(environment);
-        program.start(QCoreApplication::applicationFilePath(), {u"--print-platform"_s});
-        ASSERT_TRUE(program.waitForFinished());
-        EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-        EXPECT_EQ(program.readAllStandardOutput(), row.platform);
-        EXPECT_EQ(program.readAllStandardError(), "");
+    const QTemporaryDir runtime; // nobody listens there
+    const QString deaf = runtime.filePath(u"deaf"_s);
+    // Display, Wayland's, platform asked for and got.
+    const std::tuple<const char*, QString, const char*, const char*> rows[]{
+        {"", u""_s, "", "offscreen"},         {":987", u""_s, "", "offscreen"},
+        {":987", u"none"_s, "", "offscreen"}, {"", u"none"_s, "", "offscreen"},
+        {"", deaf, "", "offscreen"},          {":987", u""_s, "minimal", "minimal"}};
+    for (const bool withRuntime : {false, true}) {
+        for (const auto& [display, wayland, chosen, platform] : rows) {
+            auto environment = QProcessEnvironment::systemEnvironment();
+            environment.insert(u"DISPLAY"_s, QString::fromLatin1(display));
+            environment.insert(u"WAYLAND_DISPLAY"_s, wayland);
+            environment.insert(u"QT_QPA_PLATFORM"_s, QString::fromLatin1(chosen));
+            environment.remove(u"XDG_RUNTIME_DIR"_s);
+            if (withRuntime)
+                environment.insert(u"XDG_RUNTIME_DIR"_s, runtime.path());
+            QProcess program;
+            program.setProcessEnvironment(environment);
+            program.start(QCoreApplication::applicationFilePath(), {u"--print-platform"_s});
+            ASSERT_TRUE(program.waitForFinished());
+            EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
+            EXPECT_EQ(program.readAllStandardOutput(), platform);
+            EXPECT_EQ(program.readAllStandardError(), "") << qPrintable(wayland);
+        }
     }
 }
 

@@ -5,7 +5,6 @@
 #include "platform/qt/QtTimers.h"
 
 #include <chrono>
-#include <ctime>
 #include <functional>
 
 namespace fldc {
@@ -33,14 +32,6 @@ inline bool waitUntil(const std::function<bool()>& condition)
     while (!condition() && !late)
         events.waitForEvents();
     return !late;
-}
-
-/// Processor time of this process so far, all threads.
-inline std::chrono::nanoseconds processorTime()
-{
-    timespec time{};
-    ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &time);
-    return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
 }
 
 } // namespace fldc

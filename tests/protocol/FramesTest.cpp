@@ -39,78 +39,48 @@ TEST(Frames, CarryCountDataAndChecksum)
     }
 }
 
+// clang-format off
 TEST(Frames, RecordsAreCheckedForLengthAndChecksum)
 {
-    struct Case {
-        const char* record;
-        int code;
-        const char* data;
-    };
-    const Case cases[]{
-        {"43011234AACA", 0, "1234"},
-        {"43011234AACB", 55, ""},
-        {"4301AACA", 54, ""},
-        {"43011234AACA00", 54, ""},
-        {"", 57, ""},
-        {"4", 54, ""},
-        {"4300BCFF", 0, ""},
-        {"43XX1234AACA", 54, ""},
-        {"4301ZZ34AACA", 55, ""},
-        {"4302AFAFAEAE5EA1", 55, ""},
-        {"4302AFAFAEAE5EA0", 0, "AFAFAEAE"},
-    };
-    for (const Case& each : cases) {
-        const auto data = ExtractRecordData(QString::fromLatin1(each.record));
-        EXPECT_EQ(lastError().number(), each.code) << each.record;
-        EXPECT_EQ(data.value_or(QString()), QString::fromLatin1(each.data)) << each.record;
-        EXPECT_EQ(data.has_value(), each.code == 0) << each.record;
+    const std::tuple<const char*, int, const char*> cases[]{
+        {"43011234AACA", 0, "1234"}, {"4300BCFF", 0, ""}, {"4302AFAFAEAE5EA0", 0, "AFAFAEAE"},
+        {"43011234AACB", 55, ""}, {"4301ZZ34AACA", 55, ""}, {"4302AFAFAEAE5EA1", 55, ""},
+        {"4301AACA", 54, ""}, {"43011234AACA00", 54, ""}, {"4", 54, ""}, {"43XX1234AACA", 54, ""},
+        {"", 57, ""}};
+    for (const auto& [record, code, expected] : cases) {
+        const auto data = ExtractRecordData(QString::fromLatin1(record));
+        EXPECT_EQ(lastError().number(), code) << record;
+        EXPECT_EQ(data.value_or(QString()), QString::fromLatin1(expected)) << record;
+        EXPECT_EQ(data.has_value(), code == 0) << record;
     }
 }
 
 TEST(FlashLayout, ReadsBlocksAndRegions)
 {
-    struct Case {
-        bool regions;
-        const char* data;
-        int code;
-        const char* blocks;
-    };
-    const Case cases[]{
+    const std::tuple<bool, const char*, int, const char*> cases[]{ // regions or blocks
         {false, "00010000000080000001800000008000", 0, "0:65536+32768 1:98304+32768"},
-        {false, "", 0, ""},
-        {false, "0001000000008000000180", 54, ""},
+        {false, "", 0, ""}, {false, "0001000000008000000180", 54, ""},
         {false, "00010000000080000001", 54, ""},
-        {true,
-         "0001000100000100"
-         "0003",
-         0, "0:65536+65536 1:131072+65536 2:196608+65536 3:262144+65536"},
-        {true,
-         "00020000000000200001"
-         "0001000000400000",
-         0, "0:0+8192 1:8192+8192 2:65536+16384"},
-        {true, "00010000000000200000", 0, "0:0+8192"},
+        {true, "00010001000001000003", 0,
+         "0:65536+65536 1:131072+65536 2:196608+65536 3:262144+65536"},
+        {true, "000200000000002000010001000000400000", 0, "0:0+8192 1:8192+8192 2:65536+16384"},
+        {true, "00010000000000200000", 0, "0:0+8192"}, {true, "0001000000000020", 54, ""},
         {true, "00020000000000200000", 54, ""}, // asks for more groups than it holds
-        {true, "0001000000000020", 54, ""},
         {true, "0001000000000001FFFF", 54, ""}, // more blocks than can be numbered
-        {true, "", 54, ""},
-    };
-    for (const Case& each : cases) {
+        {true, "", 54, ""}};
+    for (const auto& [regions, data, code, expected] : cases) {
         colFlashBlocks blocks;
         lastError().clear();
-        const QString data = QString::fromLatin1(each.data);
-        EXPECT_EQ(each.regions ? ParseFlashRegions(blocks, data)
-                               : ParseFlashStructure(blocks, data),
-                  each.code == 0);
-        EXPECT_EQ(lastError().number(), each.code) << each.data;
+        const auto parse = regions ? ParseFlashRegions : ParseFlashStructure;
+        EXPECT_EQ(parse(blocks, QString::fromLatin1(data)), code == 0);
+        EXPECT_EQ(lastError().number(), code) << data;
         QStringList found;
-        for (const auto& block : blocks.items())
-            found.append(QStringLiteral("%1:%2+%3")
-                             .arg(block->ID())
-                             .arg(block->StartAddress())
-                             .arg(block->Length()));
-        EXPECT_EQ(found.join(u' '), QString::fromLatin1(each.blocks)) << each.data;
+        for (const auto& each : blocks.items())
+            found.append(QStringLiteral("%1:%2+%3").arg(each->ID()).arg(each->StartAddress()).arg(each->Length()));
+        EXPECT_EQ(found.join(u' '), QString::fromLatin1(expected)) << data;
     }
 }
+// clang-format on
 
 TEST(BootFiles, AreChosenByTheWholeIdentifier)
 {
@@ -149,22 +119,20 @@ TEST(Configurations, AreClassifiedByTheirCodes)
         const char* kinds; ///< type and "!" when erasable
         bool f1Key;
     };
+    // clang-format off
     const Case cases[]{
         {{{"JVA2F1.00", 0, 0}, {"jva2a", 0, 0}, {"JVA2B", 0, 0}, {"SVA2A", 0, 0}, {"X", 0, 0}},
-         "Radio Application!,DSP!,Boot Code,System Config Table!,Non Standard!",
-         false},
+         "Radio Application!,DSP!,Boot Code,System Config Table!,Non Standard!", false},
         {{{"RVKB1", 0, 0}, {"RVKB2", 1, 0}}, "Hardware ID,Hardware ID", false},
         {{{"RVKB1", 1, 0}, {"RHKB2", 1, 0}}, "Hardware ID!,Hardware ID!", false},
         {{{"JVA1G", 0, 0}, {"JVA1G", 0, 1}}, "FPGA Image,FPGA Image!", false},
         {{{"JVA1G", 0, 1}, {"JVA1G", 1, 0}}, "FPGA Image,FPGA Image", false},
         {{{"JVA1G", 0, 1}, {"JVA1G", 0, 1}}, "FPGA Image,FPGA Image", false},
         // The remembered network is that of the latest component of either kind.
-        {{{"RVKB1", 0, 0}, {"JVA1G", 1, 0}, {"RVKB2", 1, 0}},
-         "Hardware ID!,FPGA Image,Hardware ID!",
-         false},
-        {{{"JVA2C", 0, 0}}, "Radio Application", true},
-        {{{"JVA2T", 0, 0}}, "Radio Application", true},
+        {{{"RVKB1", 0, 0}, {"JVA1G", 1, 0}, {"RVKB2", 1, 0}}, "Hardware ID!,FPGA Image,Hardware ID!", false},
+        {{{"JVA2C", 0, 0}}, "Radio Application", true}, {{{"JVA2T", 0, 0}}, "Radio Application", true},
     };
+    // clang-format on
     for (const Case& each : cases) {
         colConfigurations configurations = configurationsOf(each.components);
         EXPECT_EQ(ClassifyConfigurations(configurations, false), each.f1Key) << each.kinds;

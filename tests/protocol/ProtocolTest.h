@@ -64,7 +64,7 @@ private:
 
 /// A protocol object on a scripted line at 19200 baud.
 class ProtocolTest : public testing::Test {
-protected:
+public:
     ProtocolTest()
     {
         port.setPortType(machine.lines.line);
@@ -72,10 +72,12 @@ protected:
         lastError().clear();
     }
 
-    void open()
+    /// Opens the line, which then follows @p script.
+    void open(const char* script = "")
     {
         line().play("@ 19200");
         port.SetPortParameters(QStringLiteral("19200"), 1);
+        line().play(script);
     }
     /// The whole script was played, and the timer is not left running.
     void TearDown() override

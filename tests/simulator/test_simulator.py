@@ -18,7 +18,6 @@ import zlib
 DONE = bytes.fromhex("AFAF")
 CONFIRM_READY = bytes.fromhex("3800C7FF")
 SPEED_115200 = bytes.fromhex("30010060CF9E")
-RESET_RADIO = bytes.fromhex("3600C9FF")
 SPEEDS = {9600: termios.B9600, 19200: termios.B19200, 57600: termios.B57600, 115200: termios.B115200}
 
 
@@ -78,25 +77,16 @@ class Radio:
         settings[4] = settings[5] = SPEEDS[speed]
         termios.tcsetattr(self.port, termios.TCSANOW, settings)
 
-    def read(self, count, seconds=2.0):
+    def read(self, count, seconds=10.0):
         """Up to `count` bytes; fewer when `seconds` pass in which none arrives."""
         received = b""
         while len(received) < count and select.select([self.port], [], [], seconds)[0]:
             received += os.read(self.port, count - len(received))
         return received
 
-    def ask(self, request, count=2, seconds=2.0):
+    def ask(self, request, count=2, seconds=10.0):
         os.write(self.port, request)
         return self.read(count, seconds)
-
-    def log_on(self):
-        """Resets the radio and logs on, sending a boot application if it wants one."""
-        if self.ask(b"\x5E", 1) == b"\x56":
-            self.ask(b"\x7E", 20, 0.3)
-            os.write(self.port, b"boot application")
-            assert self.read(2) == DONE
-        else:
-            assert self.ask(b"\x7E", 40, 0.3).endswith(b"*?" + DONE)
 
     def components(self):
         """The configuration records, busy words between them dropped."""
@@ -116,104 +106,93 @@ def commanded(profile, *arguments):
     return Radio(profile, "--fault", "already-in-upgrade-mode=19200", *arguments)
 
 
-class LogOn(unittest.TestCase):
-    def test_radio_without_boot_application(self):
-        with Radio("rv4100") as radio:
-            self.assertRegex(radio.first_line, r"^Radio RV4100 on /dev/pts/\d+")
-            self.assertEqual(radio.ask(b"\x5E", 1), b"\x76")
-            self.assertEqual(radio.ask(b"\x7E", 21), b"RV4100 1.08 RVKB3*?" + DONE)
-            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
+# Profile, faults and what is said: ">" the host, "<" the radio; "-": the radio says nothing. "ready" asks
+# whether it takes commands, "speed" for 115200 bit/s; "@" the host's speed, "closed": its port for a while.
+IDENTITY = b"RV4100 1.08 RVKB3*?".hex() + "AFAF"
+BOOT = b"RVKC4*".hex()
+COMMANDED = "already-in-upgrade-mode=19200 "
+DIALOGUES = [
+    # Log-on without and with a boot application, in which 5E is no reset; given up; a reset while commanded.
+    ("rv4100", "", f"> 5E, < 76, > 7E, < {IDENTITY}, ready, < AFAF"),
+    ("rv4200", "", f"> 5E, < 56, > 7E, < {BOOT}, -, > 01, > 02, > 5E, < AFAF, ready, < AFAF, > 5E, < 56"),
+    ("rv4200", "", f"> 5E, < 56, > 7E, < {BOOT}, > 5E, < 56, > 7E, < {BOOT}, > 01, < AFAF"),
+    # The special log-on wants a power cycle, and so does F1.
+    ("rv4100", "power-cycle", f"> 5E, -, power, < 76, > 3C5E23, < {IDENTITY}"),
+    ("rv4100", "", "> 5E, < 76, > 3C5E23, -"),
+    ("rv4200", "f1-power-cycle power-cycle-after=1", "> 5E, -, @ 9600, > 5E, < 56, @ 19200, < AFAF, ready, < AFAF"),
+    ("rv4200", "already-in-upgrade-mode=57600", "> 5E, -, @ 57600, ready, < AFAF"),
+    # Deaf at another speed; a restart brings it back, and a speed changed right after a frame loses nothing.
+    ("rv4100", COMMANDED, "speed, @ 115200, < AFAF, ready, < AFAF, @ 19200, ready, -, @ 115200, ready, < AFAF, "
+                          "> 3600C9FF, @ 19200, < 76"),
+    ("rv4100", COMMANDED, "speed, -, @ 115200, -, ready, < AFAF"),
+    ("rv6100", COMMANDED, "speed, < 8101AFAF, ready, < AFAF"),
+    ("rv4100", COMMANDED + "ignores-speed=115200", "speed, -, ready, < AFAF"),
+    ("rv4100", COMMANDED + "deaf=115200", "speed, @ 115200, ready, -"),
+    ("rv4100", "", f"> 5E, closed, @ 19200, -, > 7E, < {IDENTITY}"),  # nobody hears the 76
+    # Changed answers.
+    ("rv4100", COMMANDED + "fault@38:2=8104", "ready, < AFAF, ready, < 8104AFAF, ready, < AFAF"),
+    ("rv4100", COMMANDED + "fault@38:2+=8104", "ready, < AFAF, ready, < 8104AFAF, ready, < 8104AFAF"),
+    ("rv4100", COMMANDED + "fault@38:1-2=810E", "ready, < 810EAFAF, ready, < 810EAFAF, ready, < AFAF"),
+    ("rv4100", COMMANDED + "busy@38=3/20", "ready, < AEAEAEAEAEAEAFAF"),
+    ("rv4100", COMMANDED + "busylist@38=AEAE0003", "ready, < AEAEAEAE0003AFAF"),
+    ("rv4100", COMMANDED + "corrupt@38:1", "ready, < AFB0, ready, < AFAF"),
+    ("rv4100", COMMANDED + "corrupt@70", "> 70008FFF, < 4902000122C49439AFAF"),
+    ("rv4100", COMMANDED + "garbage@38=00FF", "ready, < 00FFAFAF"),
+    ("rv4100", COMMANDED + "reply@38=1337", "ready, < 1337"),
+    ("rv4100", COMMANDED + "cut@70=5", "> 70008FFF, < 4902000122"),
+    ("rv4100", COMMANDED + "silent@38:2", "ready, < AFAF, ready, -, ready, < AFAF"),
+    ("rv4100", COMMANDED + "silent-after=1", "ready, < AFAF, ready, -, ready, -"),
+    ("rv4100", COMMANDED + "unknown=38", "ready, < 8001AFAF"),
+]
 
-    def test_radio_with_boot_application(self):
-        with Radio("rv4200") as radio:
-            self.assertEqual(radio.ask(b"\x5E", 1), b"\x56")
-            self.assertEqual(radio.ask(b"\x7E", 99, 0.4), b"RVKC4*")
-            for byte in b"\x01\x02\x5E":
-                os.write(radio.port, bytes([byte]))
-            self.assertEqual(radio.read(2), DONE)
-            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
 
-    def test_given_up_boot_application_and_reset_while_commanded(self):
-        with Radio("rv4200") as radio:
-            radio.ask(b"\x5E", 1)
-            radio.ask(b"\x7E", 6)
-            self.assertEqual(radio.ask(b"\x5E", 1), b"\x56")
-            radio.log_on()
-            self.assertEqual(radio.ask(b"\x5E", 1), b"\x56")
-
-    def test_special_log_on_wants_a_power_cycle(self):
-        with Radio("rv4100", "--fault", "power-cycle") as radio:
-            self.assertEqual(radio.ask(b"\x5E", 1, 0.4), b"")
+class Dialogues(unittest.TestCase):
+    def step(self, radio, word, rest):
+        if word == "<":
+            self.assertEqual(radio.read(len(bytes.fromhex(rest))).hex().upper(), rest.upper())
+        elif word == "-":
+            self.assertEqual(radio.read(1, 0.2), b"")
+        elif word == "@":
+            radio.set_speed(int(rest))
+        elif word == "power":
             radio.process.send_signal(signal.SIGUSR2)
-            self.assertEqual(radio.read(1), b"\x76")
-            self.assertEqual(radio.ask(b"\x3C\x5E\x23", 21), b"RV4100 1.08 RVKB3*?" + DONE)
-        with Radio("rv4100") as radio:
-            radio.ask(b"\x5E", 1)
-            self.assertEqual(radio.ask(b"\x3C\x5E\x23", 1, 0.4), b"")
-
-    def test_f1_power_cycle(self):
-        with Radio("rv4200", "--fault", "f1-power-cycle", "--fault", "power-cycle-after=1") as radio:
-            self.assertEqual(radio.ask(b"\x5E", 1, 0.4), b"")
-            radio.set_speed(9600)
-            self.assertEqual(radio.ask(b"\x5E", 1), b"\x56")
-            radio.set_speed(19200)
-            self.assertEqual(radio.read(2), DONE)
-            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
-
-
-class Speed(unittest.TestCase):
-    def test_change_and_deafness(self):
-        with commanded("rv4100") as radio:
-            os.write(radio.port, SPEED_115200)
-            time.sleep(0.01)
-            radio.set_speed(115200)
-            self.assertEqual(radio.read(2), DONE)
-            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
-            radio.set_speed(19200)
-            time.sleep(0.05)
-            self.assertEqual(radio.ask(CONFIRM_READY, 2, 0.3), b"")
-            radio.set_speed(115200)
-            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
-            # A restart brings it back, and a speed changed right after the frame loses nothing.
-            os.write(radio.port, RESET_RADIO)
-            radio.set_speed(19200)
-            self.assertEqual(radio.read(1), b"\x76")
-
-    def test_answer_at_a_speed_that_the_host_does_not_follow(self):
-        with commanded("rv4100") as radio:
-            self.assertEqual(radio.ask(SPEED_115200, 2, 0.2), b"")
-            radio.set_speed(115200)
-            self.assertEqual(radio.read(1, 0.1), b"")
-            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
-
-    def test_unsupported_and_refused_speeds(self):
-        with commanded("rv6100") as radio:
-            self.assertEqual(radio.ask(SPEED_115200, 4), bytes.fromhex("8101AFAF"))
-            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
-        with commanded("rv4100", "--fault", "ignores-speed=115200") as radio:
-            self.assertEqual(radio.ask(SPEED_115200, 2, 0.3), b"")
-            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
-        with commanded("rv4100", "--fault", "deaf=115200") as radio:
-            os.write(radio.port, SPEED_115200)
-            radio.set_speed(115200)
-            self.assertEqual(radio.ask(CONFIRM_READY, 2, 0.3), b"")
-
-    def test_nobody_hears_what_is_said_to_a_closed_port(self):
-        with Radio("rv4100") as radio:
-            os.write(radio.port, b"\x5E")
+        elif word == "closed":
             radio.close()
-            time.sleep(0.3)
-            radio.set_speed(19200)
-            self.assertEqual(radio.read(1, 0.1), b"")
-            self.assertEqual(radio.ask(b"\x7E", 21), b"RV4100 1.08 RVKB3*?" + DONE)
+            time.sleep(0.5)
+        else:
+            os.write(radio.port, {"ready": CONFIRM_READY, "speed": SPEED_115200}.get(word) or bytes.fromhex(rest))
 
-    def test_paced_bytes_take_their_time(self):
-        with commanded("rv4100", "--pace") as radio:
-            begin = time.monotonic()
-            # 514 bytes there and 4 back, 10 bits each at 19200 bit/s: 269.8 ms.
-            self.assertEqual(radio.ask(frame("35", bytes(510)), 4), bytes.fromhex("810FAFAF"))
-            self.assertGreater(time.monotonic() - begin, 0.2697)
-            self.assertLess(time.monotonic() - begin, 0.4)
+    def test_what_is_said(self):
+        for profile, faults, script in DIALOGUES:
+            arguments = [argument for fault in faults.split() for argument in ("--fault", fault)]
+            with self.subTest(faults, script=script), Radio(profile, *arguments) as radio:
+                self.assertRegex(radio.first_line, r"^Radio R[VH][46][12]00 on /dev/pts/\d+")
+                for step in (script + ", -").split(", "):
+                    word, _, rest = step.partition(" ")
+                    self.step(radio, word, rest)
+
+    def test_answers_that_take_their_time(self):
+        # Paced: 514 bytes there and 4 back, 10 bits each at 19200 bit/s, are 269.8 ms.
+        for arguments, request, reply, pieces, least in (
+                (["--pace"], frame("35", bytes(510)), "810FAFAF", 1, 0.2697),
+                (["--fault", "delay@38=300"], CONFIRM_READY, "AFAF", 1, 0.3),
+                (["--fault", "split@38=1/150"], CONFIRM_READY, "AFAF", 2, 0.15)):
+            with self.subTest(arguments), commanded("rv4100", *arguments) as radio:
+                begin = time.monotonic()
+                os.write(radio.port, request)
+                received = [radio.read(len(reply) // 2 // pieces) for _ in range(pieces)]
+                self.assertEqual(b"".join(received), bytes.fromhex(reply))
+                self.assertGreaterEqual(time.monotonic() - begin, least)
+
+    def test_hang_up(self):
+        with commanded("rv4100", "--fault", "hangup@38:2") as radio:
+            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
+            os.write(radio.port, CONFIRM_READY)
+            self.assertTrue(select.select([radio.port], [], [], 10)[0])
+            self.assertRaises(OSError, os.write, radio.port, CONFIRM_READY)
+            self.assertEqual(radio.process.wait(10), 0)
+            self.assertFalse(os.path.lexists(radio.port_path))
+            self.assertTrue(os.path.exists(radio.flash_path))
 
 
 class Memory(unittest.TestCase):
@@ -346,54 +325,6 @@ class Memory(unittest.TestCase):
                 self.assertEqual(product(radio.components()[2]), "JHA2F-2.00")
                 radio.end()
                 self.assertEqual(pathlib.Path(radio.flash_path).read_bytes(), kept.read_bytes())
-
-
-class Faults(unittest.TestCase):
-    def test_changed_answers(self):
-        ready = CONFIRM_READY
-        for fault, request, replies in (
-                ("fault@38:2=8104", ready, ("AFAF", "8104AFAF", "AFAF")),
-                ("fault@38:2+=8104", ready, ("AFAF", "8104AFAF", "8104AFAF")),
-                ("fault@38:1-2=810E", ready, ("810EAFAF", "810EAFAF", "AFAF")),
-                ("busy@38=3/20", ready, ("AEAEAEAEAEAEAFAF",)),
-                ("busylist@38=AEAE0003", ready, ("AEAEAEAE0003AFAF",)),
-                ("corrupt@38:1", ready, ("AFB0", "AFAF")),
-                ("corrupt@70", frame("70"), ("49020001 22C4 9439 AFAF",)),
-                ("garbage@38=00FF", ready, ("00FFAFAF",)),
-                ("reply@38=1337", ready, ("1337",)),
-                ("cut@70=5", frame("70"), ("4902000122",)),
-                ("silent@38:2", ready, ("AFAF", "", "AFAF")),
-                ("silent-after=1", ready, ("AFAF", "", "")),
-                ("unknown=38", ready, ("8001AFAF",))):
-            with self.subTest(fault), commanded("rv4100", "--fault", fault) as radio:
-                for reply in map(bytes.fromhex, replies):
-                    self.assertEqual(radio.ask(request, len(reply) or 1, 2 if reply else 0.1), reply)
-                self.assertEqual(radio.read(1, 0.05), b"")
-
-    def test_late_and_split_answers(self):
-        for fault, least, pieces in (("delay@38=300", 0.3, 1), ("split@38=1/150", 0.15, 2)):
-            with self.subTest(fault), commanded("rv4100", "--fault", fault) as radio:
-                begin = time.monotonic()
-                os.write(radio.port, CONFIRM_READY)
-                received = [radio.read(2 // pieces) for _ in range(pieces)]
-                self.assertEqual(b"".join(received), DONE)
-                self.assertGreaterEqual(time.monotonic() - begin, least)
-
-    def test_hang_up(self):
-        with commanded("rv4100", "--fault", "hangup@38:2") as radio:
-            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
-            os.write(radio.port, CONFIRM_READY)
-            self.assertTrue(select.select([radio.port], [], [], 2)[0])
-            self.assertRaises(OSError, os.write, radio.port, CONFIRM_READY)
-            self.assertEqual(radio.process.wait(5), 0)
-            self.assertFalse(os.path.lexists(radio.port_path))
-            self.assertTrue(os.path.exists(radio.flash_path))
-
-    def test_found_in_upgrade_mode(self):
-        with Radio("rv4200", "--fault", "already-in-upgrade-mode=57600") as radio:
-            self.assertEqual(radio.ask(b"\x5E", 1, 0.3), b"")
-            radio.set_speed(57600)
-            self.assertEqual(radio.ask(CONFIRM_READY), DONE)
 
 
 class CommandLine(unittest.TestCase):
