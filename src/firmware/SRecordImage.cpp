@@ -40,8 +40,7 @@ const DataRecordType* dataRecordType(QByteArrayView type)
 SRecordImage::SRecordImage(std::shared_ptr<clsFile> file, const DataRecordType& type,
                            Compression compression)
     : m_file(std::move(file)), m_type(type), m_compression(compression),
-      m_unitBytes(m_file->intNumberOfBits() / 8),
-      m_padsOddAddress(m_file->TagName().contains("JWA2"_L1))
+      m_unitBytes(m_file->intNumberOfBits() / 8), m_padsOddAddress(m_file->padsOddAddresses())
 {
 }
 
@@ -139,6 +138,7 @@ bool SRecordImage::startTable(std::int32_t address)
     if (m_units != 0) {
         if (m_units % 2 != 0 && m_unitBytes == 1) {
             m_data->AddBytes(std::array{padByte});
+            tables->SetPadAfter();
             ++m_units;
         }
         setLength(m_units);
@@ -146,6 +146,8 @@ bool SRecordImage::startTable(std::int32_t address)
     }
     m_pad = m_padsOddAddress && address % 2 != 0;
     tables->Add(m_pad ? addressPlus(address, -1) : address);
+    if (m_pad)
+        tables->SetPadBefore();
     if (m_data && !finishData())
         return false;
     m_data = tables->Datablocks(tables->Count() - 1);

@@ -72,7 +72,7 @@ QString SRecordLine::headerText() const
         if (length < 0)
             throw PlatformFailure(FailureNumber::InvalidArgument);
         // Half a character is none: a digit without its pair is left out.
-        const QByteArray codes = hexToBytes(middle(start, length));
+        const QByteArray codes = hexToBytes(middle(start, length - length % 2));
         return withoutOuterBlanks(QString::fromLatin1(codes));
     });
 }

@@ -33,7 +33,10 @@ SRecordReader::SRecordReader(IFileService& files, std::shared_ptr<colFiles> imag
 
 std::optional<NotValid> SRecordReader::read(const QString& path)
 {
+    m_path = path;
     m_imageName = path;
+    m_image.reset();
+    m_read.clear();
     m_completed = false;
     m_header = {};
     m_reason.clear();
@@ -47,8 +50,19 @@ std::optional<NotValid> SRecordReader::read(const QString& path)
     } catch (const std::exception&) {
         (void)reject(currentFailure().description());
     }
+    if (!valid)
+        markRejected();
     lastError().set(valid ? Code::Success : Code::FileFormatNotValid);
     return valid ? std::nullopt : std::optional(NotValid{lines.number(), m_reason});
+}
+
+// Also the complete images before the bad line: who made the rest of the file can't be trusted with
+// its beginning.
+void SRecordReader::markRejected()
+{
+    m_images->setHasRejected();
+    for (const auto& image : m_read)
+        image->setRejected(true);
 }
 
 bool SRecordReader::readLines(TextLines& lines)
@@ -109,10 +123,8 @@ bool SRecordReader::readWidth(TextLines& lines)
 
 bool SRecordReader::readHeader(TextLines& lines)
 {
-    if (m_completed) {
-        m_imageName += u'1';
-        m_completed = false;
-    }
+    const int firstNumber = m_completed ? 1 : 0;
+    m_completed = false;
     const auto image = std::make_shared<clsFile>();
     image->setTagName(SRecordLine(lines.line()).headerText());
     if (m_header.unitBits == 0)
@@ -123,7 +135,11 @@ bool SRecordReader::readHeader(TextLines& lines)
             return reject(u"a target line before it whose hardware text holds a bar"_s);
         image->AddTargets(m_header.hardwares, m_header.devices);
     }
+    image->setSourcePath(m_path);
+    m_imageName = m_images->freeName(m_imageName, firstNumber, m_path);
     m_images->Add(image, m_imageName);
+    m_read.push_back(image);
+    m_image = image;
     m_header.seen = true;
     return true;
 }
@@ -131,14 +147,11 @@ bool SRecordReader::readHeader(TextLines& lines)
 bool SRecordReader::readData(TextLines& lines)
 {
     const DataRecordType& type = *dataRecordType(SRecordLine(lines.line()).type());
-    const auto image =
-        m_images->Exists(m_imageName) ? m_images->Item(m_imageName) : std::shared_ptr<clsFile>();
-    if (image) {
-        image->setStrFileType(QString::fromLatin1(type.type));
-        image->setStrFileTerminator(QString::fromLatin1(type.terminator));
-    }
-    if (!image || !m_header.seen)
+    if (!m_header.seen)
         return reject(u"data before the S0 record of their image"_s);
+    const auto image = m_image; // held: the collection may lose it while its data are read
+    image->setStrFileType(QString::fromLatin1(type.type));
+    image->setStrFileTerminator(QString::fromLatin1(type.terminator));
 
     SRecordImage data(image, type, m_compression);
     if (!data.read(lines))

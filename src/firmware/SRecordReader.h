@@ -8,6 +8,7 @@
 
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace fldc {
 
@@ -43,8 +44,9 @@ public:
                   Compression compression = Compression::Zlib);
 
     /// Reads the file: the first image is added under @p path, each further one under the name of
-    /// the one before with "1" appended. Records 0 as the last error when the file is valid, else
-    /// 34, and returns why; what has been added by then stays. Never throws.
+    /// the one before with "1" appended; a name that an image of another file has gets a number
+    /// that is free (colFiles::freeName). Records 0 as the last error when the file is valid, else
+    /// 34, and returns why; what has been added by then stays, marked as rejected. Never throws.
     std::optional<NotValid> read(const QString& path);
 
 private:
@@ -65,12 +67,16 @@ private:
     [[nodiscard]] bool readHeader(TextLines& lines);
     [[nodiscard]] bool readData(TextLines& lines);
     [[nodiscard]] bool reject(const QString& reason);
+    void markRejected();
 
     IFileService& m_files;
     std::shared_ptr<colFiles> m_images;
     Compression m_compression;
 
+    QString m_path;
     QString m_imageName;
+    std::shared_ptr<clsFile> m_image;             ///< the one begun last; null before the first
+    std::vector<std::shared_ptr<clsFile>> m_read; ///< of this file, in order
     bool m_completed = false; ///< the latest image reached its terminator record
     Header m_header;
     QString m_reason;

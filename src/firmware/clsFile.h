@@ -62,6 +62,20 @@ public:
     [[nodiscard]] bool Downloaded() const { return m_downloaded; }
     void setDownloaded(bool downloaded) { m_downloaded = downloaded; }
 
+    /// Path of the firmware file that the image was read from.
+    [[nodiscard]] QString SourcePath() const { return m_sourcePath; }
+    void setSourcePath(const QString& path) { m_sourcePath = path; }
+    /// True for an image of a file that was refused, be the image itself complete or not: it must
+    /// never reach a radio.
+    [[nodiscard]] bool Rejected() const { return m_rejected; }
+    void setRejected(bool rejected) { m_rejected = rejected; }
+
+    /// Whether runs that begin at an odd address get a pad unit in front of them.
+    [[nodiscard]] bool padsOddAddresses() const
+    {
+        return m_tagName.contains(QLatin1StringView("JWA2"));
+    }
+
     /// Searches the data for the embedded component tag and makes it the TagName. A failure is
     /// shown in the error box and leaves the TagName alone. 8-bit and 32-bit images have no
     /// embedded tag.
@@ -99,6 +113,8 @@ private:
     std::int32_t m_countTargets = 0;
     std::vector<Target> m_targets;
     bool m_downloaded = false;
+    QString m_sourcePath;
+    bool m_rejected = false;
     std::shared_ptr<colDefTables> m_tables = std::make_shared<colDefTables>();
     std::shared_ptr<colDataBlocks> m_datablocks = std::make_shared<colDataBlocks>();
 };

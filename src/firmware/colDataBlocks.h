@@ -39,6 +39,9 @@ public:
 
     // For the component's own use.
 
+    /// True once CompressData or FinishUncompressed was called: only then is data() all that there
+    /// is, and nothing else.
+    [[nodiscard]] bool finished() const { return m_compressedCount != 0; }
     /// Add for bytes that need no reading.
     void AddBytes(std::span<const std::uint8_t> bytes);
     /// The byte; fails with 5 outside 0 to Count - 1.

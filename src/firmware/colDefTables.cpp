@@ -6,15 +6,22 @@ namespace fldc {
 
 std::int32_t colDefTables::Add(std::int32_t lngStartAddress)
 {
-    m_tables.push_back({QString::number(lngStartAddress), 0, std::make_shared<colDataBlocks>()});
+    m_tables.push_back({.Address = QString::number(lngStartAddress),
+                        .Length = 0,
+                        .Datablocks = std::make_shared<colDataBlocks>()});
     return 0;
 }
 
 void colDefTables::SetLength(std::int32_t lngNewLength)
 {
+    last().Length = lngNewLength;
+}
+
+DataDefinition& colDefTables::last()
+{
     if (m_tables.empty())
         throw PlatformFailure(FailureNumber::IndexOutOfRange);
-    m_tables.back().Length = lngNewLength;
+    return m_tables.back();
 }
 
 const DataDefinition& colDefTables::at(std::int32_t index) const

@@ -41,11 +41,26 @@ public:
     void Remove(std::int32_t lngPosition) { m_files.remove(lngPosition); }
     /// The objects in order, as a copy: the collection may change while the caller walks them.
     [[nodiscard]] std::vector<std::shared_ptr<clsFile>> items() const { return m_files.items(); }
+    /// A name under which an image of the file @p path can be added without taking the place of an
+    /// image of another file (names that differ only in case are the same): @p name with the
+    /// lowest number from @p first on behind it, where 0 stands for the bare name.
+    [[nodiscard]] QString freeName(const QString& name, int first, const QString& path) const
+    {
+        for (int number = first;; ++number) {
+            const QString candidate = number == 0 ? name : name + QString::number(number);
+            if (!Exists(candidate) || Item(candidate)->SourcePath() == path)
+                return candidate;
+        }
+    }
+    /// True when a file was refused whose images, if there are any, stand here.
+    [[nodiscard]] bool hasRejected() const { return m_hasRejected; }
+    void setHasRejected() { m_hasRejected = true; }
     /// Never fails.
     [[nodiscard]] bool Exists(const QString& strFile) const { return m_files.contains(strFile); }
 
 private:
     KeyedCollection<clsFile> m_files;
+    bool m_hasRejected = false;
 };
 
 } // namespace fldc

@@ -24,6 +24,8 @@ struct clsDLManager::Session {
     std::shared_ptr<clsLogFile> downloadLog;      ///< null unless this operation opened it
     std::shared_ptr<clsLogFile> configurationLog; ///< null unless this operation opened it
 
+    bool lineOpen = false; ///< the operation has a line to talk over
+
     /// These throw PlatformFailure (object not set) when the manager has none.
     [[nodiscard]] IDownloadWindow& window() const { return held(heldWindow); }
     [[nodiscard]] IPort& port() const { return held(heldPort); }
@@ -32,6 +34,9 @@ struct clsDLManager::Session {
     /// Opens the logs that are not open, on the port's name.
     void openDownloadLog();
     void openLogs();
+    /// Opens the line, unless an operation before has kept it open. False when there is none to
+    /// talk over; the last error says why.
+    [[nodiscard]] bool openLine();
 
 private:
     template <class T>

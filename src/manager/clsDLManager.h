@@ -46,12 +46,14 @@ public:
     /// Reads the radio's configurations. Without a user @p strFiles receives the report text.
     std::int16_t ReportConfigurations(QString& strFiles);
     /// Erases the configurations at the positions @p FilesToErase ("2|5|", from 1) of the last
-    /// report or download. Without a user @p strFilesToReport receives the report text read
-    /// afterwards.
+    /// report or download; 9011, and nothing sent, when that was not read to its end. The result is
+    /// that of reading again afterwards; the last status line tells when something was not erased.
+    /// Without a user @p strFilesToReport receives the report text read afterwards.
     std::int16_t EraseSelected(const QString& FilesToErase, QString& strFilesToReport);
     /// Writes every loaded file into the radio. 37 when some were not written; their tags are then
-    /// the detail text that FormatMessage(37) shows, and the last error is 0. Without a user
-    /// @p strFilesToReport receives the report text read afterwards.
+    /// the detail text that FormatMessage(37) shows, and the last error is 0. Nothing is sent when
+    /// a file of the list was refused (34) or none could be loaded (the load's code). Without a
+    /// user @p strFilesToReport receives the report text read afterwards.
     std::int16_t DownLoad(QString& strFilesToReport);
     /// Restarts the radio on the port as it is.
     std::int32_t ResetRadio();
@@ -60,6 +62,7 @@ public:
 
     /// Chooses the port @p strPort (a listed entry, or a number) and shows or hides the window.
     std::int16_t SetPort(const QString& strPort, bool blnUI);
+    /// Shows or hides the window. 0, which leaves the last error as it was, or 15.
     std::int16_t SetUIMode(bool blnUIMode);
     /// Unloads the window and drops it. In the middle of an operation it also ends that as a user's
     /// cancel does.
@@ -116,11 +119,15 @@ public:
     void cancelOperation();
     /// Takes back a task that has not started; nothing happens when none waits.
     void withdrawTask();
+    /// True when the last download went through but some of its files were written nowhere, also
+    /// when the restart behind it failed. FormatMessage(37) names them.
+    [[nodiscard]] bool filesLeftOver() const { return m_filesLeftOver; }
 
 Q_SIGNALS:
     /// Emitted while the operation still runs; a handler must return for it to go on.
     void DownloadProgressUpdate(int lngPercentage, const QString& strCurrentfileName, int lngIndex);
-    /// At the very end of every download and report, with the final report text.
+    /// At the very end of every download and report, with the final report text: the thread is
+    /// free, so that a handler may start the next operation.
     void ReportConfigurationsUpdate(const QString& strReportConfigurations);
     void PowerCycleRequired();
 
@@ -141,6 +148,7 @@ private:
 
     // Download (clsDLManager_download.cpp)
     void downloadSteps(Session& session, QString& strFilesToReport);
+    [[nodiscard]] bool mayBeWritten(const colFiles& files) const;
     [[nodiscard]] bool confirmFpgaUpgrade(const colFiles& files);
     [[nodiscard]] bool writeFile(Download& download, clsFile& file);
     [[nodiscard]] bool writeWithoutTargets(Download& download, clsFile& file);
@@ -152,6 +160,7 @@ private:
     void reportSteps(Session& session, QString& strFiles);
     void eraseSteps(Session& session, const QString& FilesToErase);
     void rereadAfterErasure(Session& session, QString& strFilesToReport);
+    [[nodiscard]] static QString eraseOutcome(const LastError& erasure);
 
     // Loading (clsDLManager_load.cpp)
     std::int16_t loadPaths(const QStringList& paths, bool rememberFirst);
@@ -185,6 +194,8 @@ private:
     std::shared_ptr<IDownloadWindow> m_window;
     std::shared_ptr<clsRadio> m_radio;
     std::shared_ptr<colFiles> m_files;
+    Code m_loadCode = Code::Success; ///< of the last load
+    bool m_filesLeftOver = false;    ///< by the last download
     std::shared_ptr<IPort> m_port;
     bool m_uiMode = false;
     QString m_downloadLogPath;

@@ -10,6 +10,7 @@
 #include "shared/DisplayTexts.h"
 #include "shared/HexText.h"
 
+#include <algorithm>
 #include <vector>
 
 namespace fldc {
@@ -52,16 +53,19 @@ bool tolerated(Code code)
     return code == Code::MemoryDeviceInvalid || code == Code::CommandNotRecognised;
 }
 
-void listFilesNotDownloaded(const colFiles& files)
+// True when files were written nowhere: their tags become the detail text, and code 37 is recorded
+// unless something worse is.
+bool listFilesNotDownloaded(const colFiles& files)
 {
     QString tags;
     for (const auto& file : files.items()) {
-        if (file->Downloaded())
-            continue;
-        lastError().set(Code::FilesNotDownloaded);
-        tags += file->TagName() + QStringLiteral("\r\n");
+        if (!file->Downloaded())
+            tags += file->TagName() + QStringLiteral("\r\n");
     }
     lastError().setDetail(tags);
+    if (!tags.isEmpty() && lastError().ok())
+        lastError().set(Code::FilesNotDownloaded);
+    return !tags.isEmpty();
 }
 
 } // namespace
@@ -76,17 +80,21 @@ struct clsDLManager::Download {
 
 std::int16_t clsDLManager::DownLoad(QString& strFilesToReport)
 {
-    const OperationScope operation;
-    if (!operation.granted())
-        return refusedResult;
+    std::int16_t result = 0;
+    {
+        const OperationScope operation;
+        if (!operation.granted())
+            return refusedResult;
 
-    Session session = beginSession();
-    trap(Trap::KeepCode, [&] { downloadSteps(session, strFilesToReport); });
-    const std::int16_t result = takeResult();
-    // Files left over are no failure of the radio: their list stays in the detail text.
-    if (lastError().code() == Code::FilesNotDownloaded)
-        lastError().clear();
-    closeSession(session, statusLineWithoutDetail(displayText(Text::DownloadSuccessful)));
+        Session session = beginSession();
+        m_filesLeftOver = false;
+        trap(Trap::KeepCode, [&] { downloadSteps(session, strFilesToReport); });
+        result = takeResult();
+        // Files left over are no failure of the radio: their list stays in the detail text.
+        if (lastError().code() == Code::FilesNotDownloaded)
+            lastError().clear();
+        closeSession(session, statusLineWithoutDetail(displayText(Text::DownloadSuccessful)));
+    }
     EndAsyncTask(eDownload, strFilesToReport);
     return result;
 }
@@ -95,12 +103,15 @@ void clsDLManager::downloadSteps(Session& session, QString& strFilesToReport)
 {
     m_radio = session.radio = std::make_shared<clsRadio>();
     session.openLogs();
-    session.port().OpenPort();
+    const std::shared_ptr<colFiles> files = m_files;
+    if (files && !mayBeWritten(*files))
+        return;
+    if (!session.openLine())
+        return;
     clsProtocol& protocol = *session.protocol;
     if (m_uiMode)
         protocol.SetUpgradeMode(session.window().accessLevelChecked() ? 1 : 0);
 
-    const std::shared_ptr<colFiles> files = m_files;
     if (!files)
         throw PlatformFailure(FailureNumber::ObjectNotSet);
     if (!confirmFpgaUpgrade(*files))
@@ -129,7 +140,19 @@ void clsDLManager::downloadSteps(Session& session, QString& strFilesToReport)
         return;
     if (!m_stayConnected)
         protocol.RestartRadio(session.window(), session.port());
-    listFilesNotDownloaded(*files);
+    m_filesLeftOver = listFilesNotDownloaded(*files);
+}
+
+// False, with the code recorded, when a file of the list was refused, or none of them could be
+// loaded. Then the others are not written either: the user wanted all of them.
+bool clsDLManager::mayBeWritten(const colFiles& files) const
+{
+    const auto rejected = [](const auto& file) { return file->Rejected(); };
+    if (files.hasRejected() || std::ranges::any_of(files.items(), rejected))
+        return fail(Code::FileFormatNotValid);
+    if (files.Count() == 0)
+        return fail(m_loadCode == Code::Success ? Code::FileDoesNotExist : m_loadCode);
+    return true;
 }
 
 // Asks once, for the first FPGA image; an accepted one needs the special upgrade mode.

@@ -8,6 +8,8 @@
 #include "shared/DisplayTexts.h"
 #include "shared/NumberText.h"
 
+#include <algorithm>
+
 namespace fldc {
 
 namespace {
@@ -33,6 +35,21 @@ QString eraseMemoryId(const clsConfiguration& configuration)
            QString::number(configuration.DeviceID());
 }
 
+// False, and code 54, when the number of a network or device has not the one digit that an
+// erasure's identifier has room for: another memory device would be erased. Positions that are not
+// there are left to the erasure.
+bool allHaveMemoryIds(const colConfigurations& configurations, const QStringList& positions)
+{
+    const auto items = configurations.items();
+    return std::ranges::all_of(positions, [&](const QString& text) {
+        const auto position = readNumber(text);
+        if (!position || *position < 1 || *position > configurations.Count())
+            return true;
+        const auto& configuration = *items[static_cast<std::size_t>(*position - 1)];
+        return eraseMemoryId(configuration).size() == 4 || fail(Code::DataLength);
+    });
+}
+
 } // namespace
 
 std::int16_t clsDLManager::EraseSelected(const QString& FilesToErase, QString& strFilesToReport)
@@ -44,11 +61,21 @@ std::int16_t clsDLManager::EraseSelected(const QString& FilesToErase, QString& s
     Session session = beginSession();
     trap(Trap::KeepCode, [&] { eraseSteps(session, FilesToErase); });
     (void)takeResult();
+    const LastError erasure = lastError();
     trap(Trap::KeepCode, [&] { rereadAfterErasure(session, strFilesToReport); });
     const std::int16_t result = takeResult();
-    closeSession(session, statusLine(displayText(Text::ConfigurationsErased)));
+    closeSession(session, eraseOutcome(erasure));
     m_files.reset();
     return result;
+}
+
+// The last status line. A re-read that went well must not hide that something was not erased.
+QString clsDLManager::eraseOutcome(const LastError& erasure)
+{
+    const LastErrorKeeper result;
+    if (!erasure.ok())
+        lastError() = erasure;
+    return statusLine(displayText(Text::ConfigurationsErased));
 }
 
 void clsDLManager::eraseSteps(Session& session, const QString& FilesToErase)
@@ -57,22 +84,25 @@ void clsDLManager::eraseSteps(Session& session, const QString& FilesToErase)
     const QStringList positions = positionTexts(FilesToErase);
     if (positions.isEmpty() && !session.radio)
         m_radio = session.radio = std::make_shared<clsRadio>();
-    // Without a report before, nobody knows what the positions mean: nothing is sent.
-    (void)session.model();
-    session.port().OpenPort();
+    // Without a whole report before, nobody knows what the positions mean: nothing is sent.
+    const auto known = session.model().Configurations();
+    if (!positions.isEmpty() && (known->Count() == 0 || !known->complete()))
+        throw PlatformFailure(FailureNumber::ObjectNotSet);
+    if (!session.openLine())
+        return;
     m_files = std::make_shared<colFiles>();
 
     clsProtocol& protocol = *session.protocol;
     if (m_uiMode)
         protocol.SetUpgradeMode(session.window().accessLevelChecked() ? 1 : 0);
     logRadioOn(session);
-    if (!lastError().ok())
+    if (!lastError().ok() || !allHaveMemoryIds(*known, positions))
         return;
 
+    clsRadio& radio = session.model();
     for (const QString& text : positions) {
         const std::int32_t position = positionOf(text);
-        clsRadio& radio = session.model();
-        const auto configuration = radio.Configurations()->Item(position);
+        const auto configuration = known->Item(position);
         protocol.AuthoriseSetMemory(session.port(), configuration->ProductID(),
                                     eraseMemoryId(*configuration), configuration->NetWorkID() == 0);
         if (!lastError().ok())
@@ -87,10 +117,12 @@ void clsDLManager::eraseSteps(Session& session, const QString& FilesToErase)
 }
 
 // Runs whatever the erasure's outcome, which the status line shows first; the operation's result is
-// that of these steps.
+// that of these steps, if there is a line to take them on.
 void clsDLManager::rereadAfterErasure(Session& session, QString& strFilesToReport)
 {
     logConfiguration(QStringLiteral("After erased..."));
+    if (!session.lineOpen)
+        return;
     session.window().setStatusPanelStatus(statusLine(displayText(Text::ConfigurationsErased)));
     session.window().setStatusPanelBaud({});
     session.protocol->GetConfiguration(session.window(), session.port(), session.model(),

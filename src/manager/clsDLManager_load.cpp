@@ -36,6 +36,7 @@ std::int16_t clsDLManager::loadPaths(const QStringList& paths, bool rememberFirs
     Session session = beginSession();
     trap(Trap::ReplaceCode, [&] { loadSteps(session, paths, rememberFirst); });
     const std::int16_t result = takeResult();
+    m_loadCode = lastError().code();
     showOutcome(session, statusLine(displayText(Text::Ready)));
     closeLogs(session);
     EndAsyncTask(eLoadFiles, {});

@@ -59,10 +59,12 @@ void clsDLManager::choosePort(const QString& strPort, bool blnUI)
 
     if (window->PortExists(strPort)) {
         const auto control = window->comSerialPort();
+        m_port.reset(); // what is listed without a number ("no ports") is no port
+        const std::int32_t number = PortNumber(strPort);
         m_port = std::make_shared<clsSerial>(m_platform, m_cancellation);
         m_port->setPortType(control);
         m_port->ClosePort();
-        control->setCommPort(PortNumber(strPort));
+        control->setCommPort(number);
     } else {
         lastError().set(Code::PortDoesNotExist);
     }
@@ -72,6 +74,7 @@ void clsDLManager::choosePort(const QString& strPort, bool blnUI)
 std::int16_t clsDLManager::SetUIMode(bool blnUIMode)
 {
     const LastError before = lastError();
+    Code code = Code::Success;
     try {
         ensureWindow();
         m_window->setUIDisplay(blnUIMode);
@@ -82,13 +85,15 @@ std::int16_t clsDLManager::SetUIMode(bool blnUIMode)
             m_stayConnected = false;
         showWindow(blnUIMode);
     } catch (...) {
-        lastError().set(isModalWindowOpen(currentFailure()) ? Code::Success
-                                                            : Code::PortUnspecified);
+        if (!isModalWindowOpen(currentFailure()))
+            code = Code::PortUnspecified;
+        if (!operationRuns()) {
+            lastError().set(code);
+            return static_cast<std::int16_t>(code);
+        }
     }
-    const auto result = static_cast<std::int16_t>(lastError().number());
-    if (operationRuns())
-        lastError() = before; // it belongs to the operation
-    return result;
+    lastError() = before; // it belongs to an operation, one that runs or the one before
+    return static_cast<std::int16_t>(code);
 }
 
 void clsDLManager::showWindow(bool blnUI)
@@ -162,7 +167,7 @@ std::int32_t clsDLManager::ResetRadio()
     if (!operation.granted())
         return refusedResult;
     const Session session = beginSession();
-    session.protocol->RestartRadio(session.window(), session.port());
+    trap(Trap::KeepCode, [&] { session.protocol->RestartRadio(session.window(), session.port()); });
     return takeResult();
 }
 

@@ -9,15 +9,18 @@ namespace fldc {
 
 std::int16_t clsDLManager::ReportConfigurations(QString& strFiles)
 {
-    const OperationScope operation;
-    if (!operation.granted())
-        return refusedResult;
+    std::int16_t result = 0;
+    {
+        const OperationScope operation;
+        if (!operation.granted())
+            return refusedResult;
 
-    Session session = beginSession();
-    trap(Trap::KeepCode, [&] { reportSteps(session, strFiles); });
-    const std::int16_t result = takeResult();
-    closeSession(session, statusLine(displayText(Text::ConfigurationRead)));
-    m_files.reset();
+        Session session = beginSession();
+        trap(Trap::KeepCode, [&] { reportSteps(session, strFiles); });
+        result = takeResult();
+        closeSession(session, statusLine(displayText(Text::ConfigurationRead)));
+        m_files.reset();
+    }
     EndAsyncTask(eReportConfigurations, strFiles);
     return result;
 }
@@ -25,7 +28,8 @@ std::int16_t clsDLManager::ReportConfigurations(QString& strFiles)
 void clsDLManager::reportSteps(Session& session, QString& strFiles)
 {
     session.openLogs();
-    session.port().OpenPort();
+    if (!session.openLine())
+        return; // what is known of the radio stays known
     m_radio = session.radio = std::make_shared<clsRadio>();
     m_files = std::make_shared<colFiles>();
 

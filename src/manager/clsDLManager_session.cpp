@@ -4,6 +4,7 @@
 #include "firmware/clsFile.h"
 #include "firmware/colFiles.h"
 #include "platform/IFileService.h"
+#include "platform/ISerialControl.h"
 #include "port/Cancellation.h"
 
 namespace fldc {
@@ -41,6 +42,15 @@ void clsDLManager::Session::openLogs()
 {
     openDownloadLog();
     configurationLog = openIfClosed(logState().configuration, port().PortName());
+}
+
+bool clsDLManager::Session::openLine()
+{
+    const auto control = window().comSerialPort();
+    if (!control || !control->portOpen())
+        port().OpenPort();
+    lineOpen = lastError().ok();
+    return lineOpen;
 }
 
 clsDLManager::Session clsDLManager::beginSession()

@@ -7,6 +7,7 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 
 namespace fldc {
 
@@ -16,6 +17,7 @@ class IProtocolWindow;
 class IWaitDialogFactory;
 class clsFile;
 class colDataBlocks;
+class colDefTables;
 class clsRadio;
 class colConfigurations;
 class colFlashBlocks;
@@ -64,11 +66,14 @@ public:
     // -- Flash (clsProtocol_flash.cpp)
 
     /// Erases the flash block of the configuration at position @p intIndex (from 1) of @p radio.
-    /// Throws PlatformFailure (invalid argument) for a position that it has not.
+    /// Code 8201, and nothing sent, when its address lies in no block. Throws PlatformFailure
+    /// (invalid argument) for a position that it has not.
     void EraseFlashBlock(IProtocolWindow& UIForm, IPort& port, clsRadio& radio,
                          std::int32_t intIndex);
     /// Unlocks, erases and writes the blocks that @p CurrentFile touches and locks them again.
-    /// @p lngIndex is the file's number for the progress event. Codes 52, 53, 8201.
+    /// @p lngIndex is the file's number for the progress event. Codes 52, 53 (also for data that
+    /// were not read to their end), 54 (see PadPlacement.h), 8201; of these, all but a 53 in the
+    /// middle of the data come before anything is sent.
     void WriteDataToFlash(IProtocolWindow& UIForm, IPort& port, const clsFile& CurrentFile,
                           const colFlashBlocks& FlashBlocks, std::int32_t lngIndex);
 
@@ -122,13 +127,13 @@ private:
     struct Progress {
         std::int32_t fileIndex;
         QString fileName;
-        std::int32_t total;      ///< chunks expected
+        std::int32_t total = 0;  ///< chunks expected
         std::int32_t chunks = 0; ///< chunks sent
     };
-    [[nodiscard]] static bool blockListOf(const clsFile& CurrentFile,
-                                          const colFlashBlocks& FlashBlocks, QByteArray& blocks);
-    void WriteFileData(IProtocolWindow& UIForm, IPort& port, const clsFile& CurrentFile,
-                       std::int32_t lngIndex);
+    [[nodiscard]] static std::shared_ptr<const colDefTables>
+    planWrite(const clsFile& CurrentFile, const colFlashBlocks& FlashBlocks, QByteArray& blocks);
+    void WriteFileData(IProtocolWindow& UIForm, IPort& port, const colDefTables& tables,
+                       Progress progress);
     [[nodiscard]] bool setFlashAddress(IPort& port, const QString& digits, bool& compressed);
     [[nodiscard]] bool writeChunks(IProtocolWindow& UIForm, IPort& port, colDataBlocks& data,
                                    bool compressed, Progress& progress);

@@ -81,6 +81,7 @@ bool clsProtocol::readConfigurations(IPort& port, milliseconds timeout, clsRadio
             return fail(Code::ConfigurationListTooLong);
     }
     AssignHardwareStrings(*configurations);
+    configurations->setComplete();
     return true;
 }
 

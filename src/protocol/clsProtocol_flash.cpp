@@ -8,6 +8,7 @@
 #include "protocol/FlashPlan.h"
 #include "protocol/IProtocolEvents.h"
 #include "protocol/IProtocolWindow.h"
+#include "protocol/PadPlacement.h"
 #include "protocol/wire/Frames.h"
 #include "radio/clsRadio.h"
 #include "shared/DisplayTexts.h"
@@ -24,14 +25,21 @@ namespace {
 constexpr int maximumWriteAttempts = 3;
 constexpr auto flashTimeout = 2000ms;
 
-// A start address, held as decimal text, as the 8 digits that go to the radio.
-QString addressDigits(const QString& decimal)
+// The start address of a run as the 8 digits that go to the radio.
+QString addressDigits(const DataDefinition& run)
 {
-    bool isNumber = false;
-    const int address = decimal.toInt(&isNumber);
-    if (!isNumber)
-        throw PlatformFailure(FailureNumber::TypeMismatch);
-    return hexNumber(static_cast<std::uint32_t>(address), 8);
+    return hexNumber(static_cast<std::uint32_t>(runAddress(run)), 8);
+}
+
+// A run that was never finished ends in room that is not the file's.
+bool allFinished(const colDefTables& tables)
+{
+    for (std::int32_t i = 0; i < tables.Count(); ++i) {
+        const auto data = tables.Datablocks(i);
+        if (data->Count() > 0 && !data->finished())
+            return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -41,11 +49,12 @@ void clsProtocol::EraseFlashBlock(IProtocolWindow& UIForm, IPort& port, clsRadio
 {
     UIForm.setStatusPanelStatus(displayText(Text::ErasingFlash));
     const auto configuration = radio.Configurations()->Item(intIndex);
-    const std::int16_t number =
-        radio.FlashBlocks()->FindBlock(configuration->ConfigurationAddress());
-    if (number < 0)
+    const auto found = radio.FlashBlocks()->blockAround(configuration->ConfigurationAddress());
+    if (!found) {
+        lastError().set(Code::FlashAddressDoesNotExist);
         return;
-    const QByteArray block = wordBytes(static_cast<std::uint16_t>(number));
+    }
+    const QByteArray block = wordBytes(static_cast<std::uint16_t>(found->ID()));
     (void)(SendCommand(port, flashTimeout, Command::UnlockFlash, block) &&
            SendCommand(port, flashTimeout, Command::EraseFlash, block) &&
            SendCommand(port, flashTimeout, Command::LockFlash, block));
@@ -59,7 +68,8 @@ void clsProtocol::WriteDataToFlash(IProtocolWindow& UIForm, IPort& port, const c
     UIForm.setFileNameTextBox(CurrentFile.TagName());
     status(Text::CheckingFile);
     QByteArray blocks;
-    if (!blockListOf(CurrentFile, FlashBlocks, blocks))
+    const auto tables = planWrite(CurrentFile, FlashBlocks, blocks);
+    if (!tables)
         return;
 
     status(Text::UnlockingFlash);
@@ -72,7 +82,7 @@ void clsProtocol::WriteDataToFlash(IProtocolWindow& UIForm, IPort& port, const c
         if (!SendCommand(port, flashTimeout, Command::EraseFlash, blocks))
             return;
         status(Text::DownloadingData);
-        WriteFileData(UIForm, port, CurrentFile, lngIndex);
+        WriteFileData(UIForm, port, *tables, {lngIndex, CurrentFile.TagName()});
         if (!blnFlashLocked)
             break;
     }
@@ -83,29 +93,38 @@ void clsProtocol::WriteDataToFlash(IProtocolWindow& UIForm, IPort& port, const c
     (void)SendCommand(port, flashTimeout, Command::LockFlash, blocks);
 }
 
-bool clsProtocol::blockListOf(const clsFile& CurrentFile, const colFlashBlocks& FlashBlocks,
-                              QByteArray& blocks)
+// The runs to write and the blocks that they touch; null, with the last error set, when the file
+// can't be written into this flash.
+std::shared_ptr<const colDefTables> clsProtocol::planWrite(const clsFile& CurrentFile,
+                                                           const colFlashBlocks& FlashBlocks,
+                                                           QByteArray& blocks)
 {
+    if (!allFinished(*CurrentFile.Definitiontables())) {
+        lastError().set(Code::DataError);
+        return nullptr;
+    }
     try {
-        return GetFileBlockList(blocks, CurrentFile, FlashBlocks);
+        const auto tables = placePads(CurrentFile, FlashBlocks);
+        return tables && GetFileBlockList(blocks, *tables, FlashBlocks) ? tables : nullptr;
     } catch (...) {
         // An incomplete block list must never reach the radio.
         ShowError(currentFailure());
-        return fail(Code::AddressError);
+        lastError().set(Code::AddressError);
+        return nullptr;
     }
 }
 
-void clsProtocol::WriteFileData(IProtocolWindow& UIForm, IPort& port, const clsFile& CurrentFile,
-                                std::int32_t lngIndex)
+void clsProtocol::WriteFileData(IProtocolWindow& UIForm, IPort& port, const colDefTables& tables,
+                                Progress progress)
 {
     try {
-        const ChunkTotals totals = estimateChunks(CurrentFile);
-        Progress progress{lngIndex, CurrentFile.TagName(), totals.compressed};
-        const auto tables = CurrentFile.Definitiontables();
-        for (std::int32_t i = 0; i < tables->Count(); ++i) {
-            const auto data = tables->Datablocks(i);
+        const ChunkTotals totals = estimateChunks(tables);
+        progress.total = totals.compressed;
+        for (std::int32_t i = 0; i < tables.Count(); ++i) {
+            const DataDefinition run = tables.Item(i);
+            const auto data = run.Datablocks;
             bool compressed = data->CompressedCount() > 0;
-            if (!setFlashAddress(port, addressDigits(tables->Address(i)), compressed))
+            if (!setFlashAddress(port, addressDigits(run), compressed))
                 return;
             if (!compressed)
                 progress.total = totals.plain;
@@ -124,15 +143,12 @@ void clsProtocol::WriteFileData(IProtocolWindow& UIForm, IPort& port, const clsF
 bool clsProtocol::setFlashAddress(IPort& port, const QString& digits, bool& compressed)
 {
     const QByteArray address = HexToBytes(digits);
-    if (compressed && !SendCommand(port, flashTimeout, Command::SetFlashAddressInflate, address)) {
-        if (lastError().code() != Code::CommandNotRecognised)
-            return false;
-        compressed = false;
-    }
-    if (!compressed && !SendCommand(port, flashTimeout, Command::SetFlashAddress, address))
-        return false;
+    if (compressed && !SendCommand(port, flashTimeout, Command::SetFlashAddressInflate, address))
+        compressed = lastError().code() != Code::CommandNotRecognised;
+    if (!compressed)
+        (void)SendCommand(port, flashTimeout, Command::SetFlashAddress, address);
     logDownload(QStringLiteral("Address:") + digits);
-    return true;
+    return lastError().ok();
 }
 
 bool clsProtocol::writeChunks(IProtocolWindow& UIForm, IPort& port, colDataBlocks& data,

@@ -65,6 +65,7 @@ void clsProtocol::LogRadioIntoUpgradeMode(IProtocolWindow& UIForm, IPort& port, 
         lastError().set(Code::RadioDidNotLogOn);
         return;
     }
+    m_previousBaudRate = QStringLiteral("19200");
 
     // "?" behind the identifier: the radio's own software takes part.
     (void)port.ReadBinary(750, QStringLiteral("3F"));
@@ -196,6 +197,7 @@ void clsProtocol::FindRadioBaudRate(IPort& port, bool& blnUARequired, bool& blnI
         if (lastError().ok()) {
             blnInUpgradeMode = true;
             blnUARequired = false;
+            m_previousBaudRate = QString::number(speed);
             return;
         }
     }

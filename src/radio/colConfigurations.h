@@ -31,11 +31,15 @@ public:
     {
         return m_configurations.items();
     }
+    /// Whether the radio's report was read to its end. Until then positions mean nothing.
+    [[nodiscard]] bool complete() const { return m_complete; }
+    void setComplete() { m_complete = true; }
     /// True when none has a network number other than 0.
     [[nodiscard]] bool AllConfigNetworksZero() const;
 
 private:
     KeyedCollection<clsConfiguration> m_configurations;
+    bool m_complete = false;
 };
 
 } // namespace fldc

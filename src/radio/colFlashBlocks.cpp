@@ -3,6 +3,8 @@
 #include "platform/ShowError.h"
 #include "shared/HexText.h"
 
+#include <limits>
+
 namespace fldc {
 
 namespace {
@@ -30,6 +32,21 @@ std::int16_t colFlashBlocks::FindBlock(std::int32_t AddressInBlock) const
         ShowError(currentFailure());
         return 0;
     }
+}
+
+std::shared_ptr<clsFlashBlock> colFlashBlocks::blockAround(std::int64_t address) const
+{
+    if (address < std::numeric_limits<std::int32_t>::min() ||
+        address > std::numeric_limits<std::int32_t>::max())
+        return nullptr;
+    const std::int16_t number = FindBlock(static_cast<std::int32_t>(address));
+    if (number < 0 || number >= Count())
+        return nullptr;
+    // Blocks are numbered from 0 in list order.
+    auto block = Item(number + 1);
+    const std::int64_t start = block->StartAddress();
+    const bool inside = address >= start && address < start + block->Length();
+    return inside ? block : nullptr;
 }
 
 std::shared_ptr<clsFlashBlock> colFlashBlocks::Add(std::int16_t ID, const QString& StartAddress,

@@ -19,6 +19,9 @@ public:
     /// signed 32-bit values), or -1. A block whose end is beyond 32 bits shows the error box; the
     /// result is then 0.
     [[nodiscard]] std::int16_t FindBlock(std::int32_t AddressInBlock) const;
+    /// The block that FindBlock names, when the address really lies inside it; else null. FindBlock
+    /// alone can't be trusted: after an overflow it names block 0.
+    [[nodiscard]] std::shared_ptr<clsFlashBlock> blockAround(std::int64_t address) const;
     /// Appends a block. @p StartAddress and @p Length: 1 to 8 hexadecimal digits. @p sKey may be
     /// empty. Throws PlatformFailure: type mismatch or overflow for other text, duplicate key.
     std::shared_ptr<clsFlashBlock> Add(std::int16_t ID, const QString& StartAddress,

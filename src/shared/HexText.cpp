@@ -40,9 +40,11 @@ QString hexNumber(std::uint32_t value, int width)
 
 QByteArray hexToBytes(QStringView digits)
 {
+    if (digits.size() % 2 != 0)
+        throw PlatformFailure(FailureNumber::InvalidArgument);
     QByteArray bytes;
     bytes.reserve(digits.size() / 2);
-    for (qsizetype i = 0; i + 1 < digits.size(); i += 2) {
+    for (qsizetype i = 0; i < digits.size(); i += 2) {
         const int high = hexDigit(digits[i].unicode());
         const int low = hexDigit(digits[i + 1].unicode());
         if (high < 0 || low < 0)

@@ -31,8 +31,9 @@ void appendHex(QString& text, std::uint8_t byte);
 /// their last @p width digits.
 [[nodiscard]] QString hexNumber(std::uint32_t value, int width);
 
-/// The bytes of @p digits, length / 2 of them. Throws PlatformFailure (type mismatch) for anything
-/// but hexadecimal digits.
+/// The bytes of @p digits, length / 2 of them. Throws PlatformFailure: invalid argument for an odd
+/// number of digits (which byte would the lone one be?), type mismatch for anything but hexadecimal
+/// digits.
 [[nodiscard]] QByteArray hexToBytes(QStringView digits);
 /// The unsigned value of 1 to 8 significant digits; nothing for other text.
 [[nodiscard]] std::optional<std::uint32_t> readHex(QStringView digits);

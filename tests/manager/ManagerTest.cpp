@@ -143,6 +143,14 @@ TEST_F(ManagerTest, WithoutAnyPortOperationsFailButDoNotCrash)
     EXPECT_EQ(lastErrorText(), QStringLiteral("9011 Error 5 - Invalid procedure call or argument"));
     EXPECT_EQ(manager->SetPort(QStringLiteral("3"), false), 9011);
     EXPECT_EQ(status(), QStringLiteral("Error 5 - Invalid procedure call or argument"));
+    QString text;
+    EXPECT_EQ(load("a.srec"), 9011);
+    EXPECT_EQ(manager->ReportConfigurations(text), 9011);
+    EXPECT_EQ(manager->DownLoad(text), 9011);
+    EXPECT_EQ(manager->EraseSelected({}, text), 9011);
+    EXPECT_EQ(manager->ResetRadio(), 9011);
+    EXPECT_EQ(manager->SetUIMode(false), 0) << "its own result, not that of the operation before";
+    EXPECT_TRUE(lastErrorText().startsWith(QStringLiteral("9011 ")));
 }
 
 TEST_F(ManagerTest, PortsAreChosenByNumberOrEntry)
@@ -328,7 +336,6 @@ TEST_F(ManagerTest, TheWindowMayGoInTheMiddle)
     QString text;
     EXPECT_EQ(manager->ReportConfigurations(text), 1);
     EXPECT_FALSE(machine.line().portOpen());
-    play({"@ ..\n"});
     EXPECT_EQ(manager->ReportConfigurations(text), 9011) << "no window";
     EXPECT_FALSE(machine.line().portOpen());
     EXPECT_THROW(manager->setStayConnected(true), PlatformFailure);
@@ -360,17 +367,124 @@ TEST_F(ManagerTest, ErasesByPositionAndReadsAgain)
     create();
     QString text;
     EXPECT_EQ(manager->EraseSelected(QStringLiteral("1|"), text), 9011) << "nothing reported yet";
-    play({logOn, report, restart});
+    // A network with two digits: which memory device is 01200?
+    constexpr auto twoConfigurations =
+        "> 31 00 CE FF\n< 43 0A 00 52 00 56 00 4B 00 42 00 31 00 00 00 01 00 00 00 00 05 00 B6 8E\n"
+        "< 43 0A 00 52 00 56 00 4B 00 42 00 31 00 00 00 01 00 00 00 00 0C 00 AF 8E\n< AF AF\n";
+    play({logOn, twoConfigurations, restart});
     EXPECT_EQ(manager->ReportConfigurations(text), 0);
-    // Memory device 0500: decimal here. The address lies in no block, so nothing is erased.
-    play({logOn, "> 42 06 05 00 00 52 00 56 00 4B 00 42 00 31 B7 93\n< AF AF\n", layout, report,
-          restart});
-    EXPECT_EQ(manager->EraseSelected(QStringLiteral("1|"), text), 0);
-    EXPECT_EQ(status(), QStringLiteral("Configuration(s) successfully erased"));
+
+    constexpr auto refused = "Error 54 - Protocol - the data is not the correct length";
+    constexpr auto erased = "Configuration(s) successfully erased";
+    constexpr auto authoriseErasure =
+        "> 42 06 05 00 00 52 00 56 00 4B 00 42 00 31 B7 93\n< AF AF\n";
+    constexpr auto erase = "> 32 01 00 00 CD FE\n< AF AF\n> 33 01 00 00 CC FE\n< AF AF\n"
+                           "> 39 01 00 00 C6 FE\n< AF AF\n";
+    struct Erasure {
+        const char* positions;
+        std::vector<const char*> conversation; ///< between log-on and reading again
+        const char* status;
+    };
+    const Erasure erasures[]{
+        {"1|", {authoriseErasure, layout, erase}, erased},
+        {"", {}, erased},
+        {"1|2", {}, refused},
+        {"1",
+         {authoriseErasure, layout, "> 32 01 00 00 CD FE\n< 81 03 AF AF\n"},
+         "Error 8103 - Response - flash write protected"},
+        {"1",
+         {authoriseErasure, "> 3E 00 C1 FF\n< 52 05 00 01 00 02 00 00 01 00 00 00 AC F7 AF AF\n"},
+         "Error 8201 - The desired flash address does not exist.  The flash device may be smaller "
+         "than required."},
+        {"|1", {}, "Error 13 - Type mismatch"},
+    };
+    for (const Erasure& each : erasures) {
+        play({logOn});
+        for (const char* piece : each.conversation)
+            play({piece});
+        play({twoConfigurations, restart});
+        EXPECT_EQ(manager->EraseSelected(QString::fromLatin1(each.positions), text), 0)
+            << "the result is that of reading again";
+        EXPECT_EQ(status().toStdString(), each.status);
+    }
     EXPECT_EQ(reports.size(), 1) << "an erasure raises no event";
+
+    // A port that fails to open takes nothing from what is known; a report that breaks off does.
+    play({"! open 8002\n"});
+    EXPECT_EQ(manager->ReportConfigurations(text), 11);
+    play({"! open 8002\n"});
+    EXPECT_EQ(manager->EraseSelected(QStringLiteral("1"), text), 11);
+    play({logOn, "> 31 00 CE FF\n"
+                 "< 43 0A 00 52 00 56 00 4B 00 42 00 31 00 00 00 01 00 00 00 00 05 00 B6 8E\n"
+                 "! hangup\n"});
+    EXPECT_EQ(manager->ReportConfigurations(text), 15);
+    EXPECT_EQ(manager->EraseSelected(QStringLiteral("1"), text), 9011) << "nothing is sent";
+}
+
+TEST_F(ManagerTest, NothingOfAListWithARefusedFileIsWritten)
+{
+    addFile("bad.srec", "S1\n");
+    addFile("cut.srec", firmware("JHA2F") + "S0000000414100\nS206010000123400\n");
+    create();
+    QString text;
+    const std::pair<const char*, int> cases[]{{"cut.srec", 34},          {"a.srec,cut.srec", 34},
+                                              {"cut.srec,a.srec", 34},   {"bad.srec,a.srec", 34},
+                                              {"bad.srec", 34},          {"missing.srec", 33},
+                                              {"bad.srec,gone.srec", 34}};
+    for (const auto& [names, code] : cases) {
+        (void)load(names);
+        EXPECT_EQ(manager->DownLoad(text), code) << names;
+        EXPECT_TRUE(status().startsWith(QStringLiteral("Error %1 - ").arg(code))) << names;
+        EXPECT_TRUE(log("0_Download.log").trimmed().endsWith(status().toLatin1()));
+    }
+    play({logOn, fast, report, authorise, "< AF AF\n", layout, writeBlock, report, restart});
+    (void)load("missing.srec,a.srec");
+    EXPECT_EQ(manager->DownLoad(text), 0) << "a missing file is left out";
+}
+
+TEST_F(ManagerTest, FilesWhoseNamesDifferOnlyInCaseAreAllWritten)
+{
+    addFile("A.srec", firmware("JHA2A"));
+    addFile("x", firmware("JHA2B") + firmware("JHA2C"));
+    addFile("x1", firmware("JHA2D"));
+    create();
+    // None fits this radio: the list of what was not written names every image.
+    for (const char* name : {"a.srec", "A.srec", "x", "x1"})
+        machine.files.files[QStringLiteral("C:\\fw\\") + QString::fromLatin1(name)].content.replace(
+            "RVKB1", "RVKC9");
+    EXPECT_EQ(load("x1,a.srec,A.srec,x,a.srec"), 0);
+    play({logOn, fast, report, report, restart});
+    QString text;
+    EXPECT_EQ(manager->DownLoad(text), 37);
+    const QString left = manager->FormatMessage(37).section(u':', 1);
+    EXPECT_EQ(left, QStringLiteral("\r\nJHA2B\r\nJHA2D\r\nJHA2A\r\nJHA2C\r\nJHA2F\r\n"));
+}
+
+TEST_F(ManagerTest, AFailedRestartIsNotHiddenByFilesLeftOver)
+{
+    addFile("b.srec", firmware("JHA2X", "MD \"RVKC9\",0\n"));
+    create();
+    EXPECT_EQ(load("b.srec"), 0);
+    play({logOn, fast, report, report, "> 36 00 C9 FF\n@ 19200\n@ 9600\n> 5E\n"});
+    QString text;
+    EXPECT_EQ(manager->DownLoad(text), 21);
+    EXPECT_EQ(status(), QStringLiteral("Error 21 - Radio did not reset"));
+    EXPECT_TRUE(manager->filesLeftOver());
+    EXPECT_TRUE(manager->FormatMessage(37).endsWith(QStringLiteral("any device:\r\nJHA2X\r\n")));
+}
+
+TEST_F(ManagerTest, TheNextOperationMayStartFromTheEndOfTheOneBefore)
+{
+    create();
+    int nested = -1;
+    QObject::connect(manager.get(), &clsDLManager::ReportConfigurationsUpdate, manager.get(), [&] {
+        if (nested < 0)
+            nested = load("a.srec");
+    });
     play({logOn, report, restart});
-    EXPECT_EQ(manager->EraseSelected(QStringLiteral("|1"), text), 0) << "the re-read's result";
-    EXPECT_TRUE(log("0_Download.log").contains("Error 13 - Type mismatch"));
+    QString text;
+    EXPECT_EQ(manager->ReportConfigurations(text), 0);
+    EXPECT_EQ(nested, 0);
 }
 
 TEST_F(ManagerTest, TheLastFileOfAListDecidesItsCode)
@@ -407,7 +521,7 @@ TEST_F(ManagerTest, ATaskRunsAfterTheCallAndAlwaysEnds)
     EXPECT_FALSE(manager->AsyncTaskProcess(eReportConfigurations)) << "one at a time";
     EXPECT_TRUE(manager->AsyncTaskBusy());
     EXPECT_TRUE(reports.isEmpty());
-    play({"! open 8005\n! open 8005\n"});
+    play({"! open 8005\n"});
     machine.time.pause(std::chrono::minutes(1));
     EXPECT_FALSE(manager->AsyncTaskBusy());
     EXPECT_EQ(reports, QStringList(QStringLiteral("as given")));

@@ -218,6 +218,20 @@ TEST_F(ProtocolTest, TheUnattendedPowerCycleIsAskedForOnce)
     EXPECT_EQ(listener.events, QStringList(QStringLiteral("power cycle")));
 }
 
+TEST_F(ProtocolTest, FallsBackToTheSpeedAtWhichTheRadioWasFound)
+{
+    line().play("@ 19200\n> 5E\n@ 9600\n> 5E\n@ 19200\n@ 115200\n> 38 00 C7 FF\n"
+                "@ 57600\n> 38 00 C7 FF\n< AF AF\n");
+    QString bootFile;
+    bool required = true;
+    protocol.LogRadioIntoUpgradeMode(window, port, bootFile, required, false);
+    ASSERT_EQ(code(), 0);
+    line().play("> 30 01 00 60 CF 9E\n@ 115200\n> 38 00 C7 FF\n@ 57600\n> 38 00 C7 FF\n< AF AF\n");
+    protocol.NegotiateBaud(window, port, 1);
+    EXPECT_EQ(code(), 0);
+    EXPECT_EQ(window.baud.last(), QStringLiteral("57600"));
+}
+
 std::shared_ptr<clsFile> fileOf(std::vector<std::pair<int, QByteArray>> tables, bool compress)
 {
     auto file = std::make_shared<clsFile>();
@@ -442,6 +456,11 @@ TEST_F(Flash, SendsNothingForAFileThatDoesNotFit)
     EXPECT_EQ(code(), 8201);
     write(*fileOf({}, false));
     EXPECT_EQ(code(), 52);
+    const auto cutOff = fileOf({{65536, "\x01\x02"}, {65600, "\x01\x02"}}, false);
+    cutOff->Definitiontables()->Add(65700);
+    cutOff->Definitiontables()->Datablocks(2)->Add(u"0102");
+    write(*cutOff);
+    EXPECT_EQ(code(), 53) << "a run that was not read to its end";
     radio.setFlashBlocks(std::make_shared<colFlashBlocks>());
     write(*fileOf({{65536, "\x01\x02"}}, false));
     EXPECT_EQ(code(), 8201);
@@ -462,7 +481,7 @@ TEST_F(Flash, ErasesTheBlockOfAConfiguration)
     protocol.EraseFlashBlock(window, port, radio, 1);
     EXPECT_EQ(code(), 8103);
     protocol.EraseFlashBlock(window, port, radio, 2); // in no block: nothing is sent
-    EXPECT_EQ(code(), 8103);
+    EXPECT_EQ(code(), 8201);
     EXPECT_THROW(protocol.EraseFlashBlock(window, port, radio, 3), PlatformFailure);
 }
 

@@ -35,7 +35,7 @@ void AddChecksum(QByteArray& bytFrame, qsizetype intStart, qsizetype intEnd);
 [[nodiscard]] std::optional<QString> ExtractRecordData(QStringView strRecord);
 
 /// @p strHex as bytes: length / 2 of them, each from two digits. "0060" gives 00 60.
-/// Throws PlatformFailure (type mismatch) for anything but hexadecimal digits.
+/// Throws PlatformFailure as hexToBytes does: for odd text and for anything but hexadecimal digits.
 [[nodiscard]] QByteArray HexToBytes(QStringView strHex);
 
 /// The characters of @p strText as 16-bit codes, high byte first. "AB" gives 00 41 00 42.

@@ -162,11 +162,13 @@ void ButtonOperations::downloadChosen(const QString& strFileName)
 void ButtonOperations::finishDownload(DownloadWindow& window, std::int16_t result)
 {
     window.EnableControls(true);
-    if (result != static_cast<std::int16_t>(Code::FilesNotDownloaded)) {
+    const clsDLManager* manager = window.downLoadManager();
+    if (result == 0 || manager == nullptr || !manager->filesLeftOver()) {
         window.setBusy(false);
         return;
     }
-    window.showFailureReport(formatMessage(result), [weak = window.weak_from_this()] {
+    const QString report = formatMessage(static_cast<std::int32_t>(Code::FilesNotDownloaded));
+    window.showFailureReport(report, [weak = window.weak_from_this()] {
         if (const auto held = weak.lock())
             held->setBusy(false);
     });
