@@ -3,6 +3,7 @@
 #include "platform/Platform.h"
 #include "port/IPort.h"
 #include "port/modTimer.h"
+#include "session/Listener.h"
 
 #include <chrono>
 #include <memory>
@@ -21,7 +22,9 @@ class Cancellation;
 /// that failed for an unknown reason: 15, waiting for the start-up byte 21.
 class clsSerial final : public IPort {
 public:
-    clsSerial(const Platform& platform, std::shared_ptr<const Cancellation> cancellation);
+    /// @p teller: who is told when the line is opened and when bytes come that nobody expects.
+    clsSerial(const Platform& platform, std::shared_ptr<const Cancellation> cancellation,
+              std::shared_ptr<const session::Teller> teller = std::make_shared<session::Teller>());
 
     [[nodiscard]] QString PortName() const override;
     void OpenPort() override;
@@ -46,10 +49,15 @@ private:
     [[nodiscard]] const std::shared_ptr<ISerialControl>& control() const;
     [[nodiscard]] std::optional<std::uint8_t> nextByte(ISerialControl& line);
     [[nodiscard]] bool cancelled() const;
+    void tellOpened(const ISerialControl& line) const;
+    void tellDiscarded(ISerialControl& line) const;
+    void tellUnread(const QString& received) const;
 
     Platform m_platform;
     std::shared_ptr<const Cancellation> m_cancellation;
+    std::shared_ptr<const session::Teller> m_teller;
     std::shared_ptr<ISerialControl> m_control;
+    QByteArray m_lastSent;
     modTimer m_timer;
     int m_runLeft = 0; ///< bytes that may be taken before events are served
 };
