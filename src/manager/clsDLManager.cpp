@@ -26,8 +26,8 @@ clsDLManager::clsDLManager(const Platform& platform, IDownloadWindowFactory& win
                            IWaitDialogFactory& dialogs)
     : m_platform(platform), m_windows(windows), m_window(windows.createWindow()),
       m_cancellation(std::make_shared<Cancellation>()),
-      m_Protocol(
-          std::make_shared<clsProtocol>(m_platform, static_cast<IProtocolEvents&>(*this), dialogs))
+      m_Protocol(std::make_shared<clsProtocol>(m_platform, static_cast<IProtocolEvents&>(*this),
+                                               dialogs, m_teller))
 {
     // The logs and the last error belong to the operation that runs, if one does.
     const bool inOperation = operationRuns();

@@ -3,6 +3,7 @@
 #include "platform/Platform.h"
 #include "protocol/IProtocolEvents.h"
 #include "protocol/UpgradeState.h"
+#include "session/Listener.h"
 #include "shared/Enumerations.h"
 #include "shared/LastError.h"
 
@@ -13,6 +14,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace fldc {
 
@@ -114,6 +116,9 @@ public:
 
     // -- For the component only
 
+    /// Who is told of every event of the operations to come and of the running one (nullptr:
+    /// nobody). The caller keeps it alive until it gives another one. Loads tell nothing.
+    void setListener(session::IListener* listener) { m_teller->setListener(listener); }
     /// The window lets go of the manager while it unloads.
     void ReleaseWindow();
     /// Ends the running operation of this manager at its next wait with code 1, and the message
@@ -151,6 +156,8 @@ private:
     void SendBootApplication(Session& session, const QString& strFileName);
     void trap(Trap kind, const std::function<void()>& steps);
     [[nodiscard]] std::int16_t takeResult() const;
+    void tellConfigurations(session::Reading when, const clsRadio& radio) const;
+    void tellEnded(const LastError& outcome) const;
     void closeSession(Session& session, const QString& statusText);
     static void showOutcome(Session& session, const QString& statusText);
     static void closeLogs(Session& session);
@@ -163,7 +170,8 @@ private:
     [[nodiscard]] bool writeWithoutTargets(Download& download, clsFile& file);
     [[nodiscard]] bool writeToNetwork(Download& download, clsFile& file, std::int32_t target,
                                       std::int16_t network);
-    [[nodiscard]] bool writeBlocks(Download& download, clsFile& file);
+    [[nodiscard]] bool writeBlocks(Download& download, clsFile& file,
+                                   std::optional<session::Place> place);
 
     // Report (clsDLManager_report.cpp) and erasure (clsDLManager_erase.cpp)
     void reportSteps(Session& session, QString& strFiles);
@@ -213,6 +221,7 @@ private:
     bool m_stayConnected = false;
     bool m_creating = true;
     std::shared_ptr<Cancellation> m_cancellation;
+    std::shared_ptr<session::Teller> m_teller = std::make_shared<session::Teller>();
     std::shared_ptr<clsProtocol> m_Protocol;
     int m_AsyncTaskTimer = 0; ///< 0 while no task is pending
 };

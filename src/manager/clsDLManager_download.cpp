@@ -87,13 +87,16 @@ std::int16_t clsDLManager::DownLoad(QString& strFilesToReport)
             return refusedResult;
 
         Session session = beginSession();
+        m_teller->tell(session::OperationStarted{session::Operation::Download});
         m_filesLeftOver = false;
         trap(Trap::KeepCode, [&] { downloadSteps(session, strFilesToReport); });
         result = takeResult();
+        const LastError outcome = lastError();
         // Files left over are no failure of the radio: their list stays in the detail text.
         if (lastError().code() == Code::FilesNotDownloaded)
             lastError().clear();
         closeSession(session, statusLineWithoutDetail(displayText(Text::DownloadSuccessful)));
+        tellEnded(outcome);
     }
     EndAsyncTask(eDownload, strFilesToReport);
     return result;
@@ -128,6 +131,7 @@ void clsDLManager::downloadSteps(Session& session, QString& strFilesToReport)
     protocol.GetConfiguration(session.window(), session.port(), *session.radio, strFilesToReport);
     if (!lastError().ok())
         return;
+    tellConfigurations(session::Reading::Before, *session.radio);
     Download download{session, session.radio->Configurations()->AllConfigNetworksZero()};
     for (const auto& file : files->items()) {
         if (!writeFile(download, *file))
@@ -138,6 +142,7 @@ void clsDLManager::downloadSteps(Session& session, QString& strFilesToReport)
     protocol.GetConfiguration(session.window(), session.port(), *session.radio, strFilesToReport);
     if (!lastError().ok())
         return;
+    tellConfigurations(session::Reading::After, *session.radio);
     if (!m_stayConnected)
         protocol.RestartRadio(session.window(), session.port());
     m_filesLeftOver = listFilesNotDownloaded(*files);
@@ -197,7 +202,7 @@ bool clsDLManager::writeWithoutTargets(Download& download, clsFile& file)
         lastError().clear();
         return true;
     }
-    return lastError().ok() && writeBlocks(download, file);
+    return lastError().ok() && writeBlocks(download, file, {});
 }
 
 bool clsDLManager::writeToNetwork(Download& download, clsFile& file, std::int32_t target,
@@ -205,6 +210,7 @@ bool clsDLManager::writeToNetwork(Download& download, clsFile& file, std::int32_
 {
     Session& session = download.session;
     clsProtocol& protocol = *session.protocol;
+    const session::Place place{network, file.DeviceID(target)};
     if (download.networksZero && selectsOwnDevice(file, target)) {
         download.deviceSet = true;
         file.setCountTargets(0);
@@ -217,12 +223,14 @@ bool clsDLManager::writeToNetwork(Download& download, clsFile& file, std::int32_
     if (!lastError().ok())
         return tolerated(lastError().code());
     protocol.GetFlashBlocks(session.port(), *session.radio);
-    return lastError().ok() && writeBlocks(download, file);
+    return lastError().ok() && writeBlocks(download, file, place);
 }
 
-bool clsDLManager::writeBlocks(Download& download, clsFile& file)
+bool clsDLManager::writeBlocks(Download& download, clsFile& file,
+                               std::optional<session::Place> place)
 {
     Session& session = download.session;
+    m_teller->tell(session::TargetBegun{download.file, file.Name(), file.TagName(), place});
     session.protocol->WriteDataToFlash(session.window(), session.port(), file,
                                        *session.radio->FlashBlocks(), download.file);
     if (!lastError().ok())

@@ -59,6 +59,7 @@ std::int16_t clsDLManager::EraseSelected(const QString& FilesToErase, QString& s
         return refusedResult;
 
     Session session = beginSession();
+    m_teller->tell(session::OperationStarted{session::Operation::Erase});
     trap(Trap::KeepCode, [&] { eraseSteps(session, FilesToErase); });
     (void)takeResult();
     const LastError erasure = lastError();
@@ -66,6 +67,7 @@ std::int16_t clsDLManager::EraseSelected(const QString& FilesToErase, QString& s
     const std::int16_t result = takeResult();
     closeSession(session, eraseOutcome(erasure));
     m_files.reset();
+    tellEnded(erasure.ok() ? lastError() : erasure);
     return result;
 }
 
@@ -127,6 +129,8 @@ void clsDLManager::rereadAfterErasure(Session& session, QString& strFilesToRepor
     session.window().setStatusPanelBaud({});
     session.protocol->GetConfiguration(session.window(), session.port(), session.model(),
                                        strFilesToReport);
+    if (lastError().ok())
+        tellConfigurations(session::Reading::After, session.model());
     if (!m_stayConnected)
         session.protocol->RestartRadio(session.window(), session.port());
 }

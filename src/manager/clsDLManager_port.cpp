@@ -62,8 +62,8 @@ void clsDLManager::choosePort(const QString& strPort, bool blnUI)
         const auto control = window->comSerialPort();
         m_port.reset(); // what is listed without a number ("no ports") is no port
         const std::int32_t number = PortNumber(strPort);
-        m_port = std::make_shared<clsSerial>(m_platform, m_cancellation,
-                                             [this] { return userPresent(); });
+        m_port = std::make_shared<clsSerial>(
+            m_platform, m_cancellation, [this] { return userPresent(); }, m_teller);
         m_port->setPortType(control);
         m_port->ClosePort();
         control->setCommPort(number);
@@ -176,8 +176,11 @@ std::int32_t clsDLManager::ResetRadio()
     if (!operation.granted())
         return refusedResult;
     const Session session = beginSession();
+    m_teller->tell(session::OperationStarted{session::Operation::Restart});
     trap(Trap::KeepCode, [&] { session.protocol->RestartRadio(session.window(), session.port()); });
-    return takeResult();
+    const std::int16_t result = takeResult();
+    tellEnded(lastError());
+    return result;
 }
 
 IDownloadWindow& clsDLManager::window() const

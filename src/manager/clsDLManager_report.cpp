@@ -16,10 +16,12 @@ std::int16_t clsDLManager::ReportConfigurations(QString& strFiles)
             return refusedResult;
 
         Session session = beginSession();
+        m_teller->tell(session::OperationStarted{session::Operation::Report});
         trap(Trap::KeepCode, [&] { reportSteps(session, strFiles); });
         result = takeResult();
         closeSession(session, statusLine(displayText(Text::ConfigurationRead)));
         m_files.reset();
+        tellEnded(lastError());
     }
     EndAsyncTask(eReportConfigurations, strFiles);
     return result;
@@ -40,6 +42,8 @@ void clsDLManager::reportSteps(Session& session, QString& strFiles)
 
     logConfiguration(QStringLiteral("Report Configurations..."));
     session.protocol->GetConfiguration(session.window(), session.port(), *session.radio, strFiles);
+    if (lastError().ok())
+        tellConfigurations(session::Reading::Report, *session.radio);
     if (lastError().ok() && !m_stayConnected)
         session.protocol->RestartRadio(session.window(), session.port());
 }

@@ -8,6 +8,8 @@
 #include "platform/IFileService.h"
 #include "platform/ISerialControl.h"
 #include "port/Cancellation.h"
+#include "radio/clsConfiguration.h"
+#include "radio/colConfigurations.h"
 
 namespace fldc {
 
@@ -115,6 +117,26 @@ std::int16_t clsDLManager::takeResult() const
     if (m_cancellation->requested() && !lastError().ok())
         lastError().set(Code::UserCancelled);
     return static_cast<std::int16_t>(lastError().number());
+}
+
+void clsDLManager::tellConfigurations(session::Reading when, const clsRadio& radio) const
+{
+    if (!m_teller->heard())
+        return;
+    session::ConfigurationsRead read{when, {}};
+    for (const auto& each : radio.Configurations()->items())
+        read.components.push_back({each->ProductID(), each->Status(), each->NetWorkID(),
+                                   each->DeviceID(), each->blnCanBeErased()});
+    m_teller->tell(std::move(read));
+}
+
+void clsDLManager::tellEnded(const LastError& outcome) const
+{
+    if (!m_teller->heard())
+        return;
+    const bool hasMessage = messageOf(outcome.number()).has_value();
+    m_teller->tell(
+        session::OperationEnded{outcome.number(), hasMessage ? outcome.description() : QString()});
 }
 
 // Shows the outcome, then closes what the operation opened, unless the connection is kept.

@@ -24,6 +24,8 @@ public:
     /// The terminator has come, or a record is complete.
     [[nodiscard]] bool finished() const { return m_terminated || m_recordComplete; }
     [[nodiscard]] const QString& text() const { return m_text; }
+    /// text() and the first half of a word that is not complete.
+    [[nodiscard]] QString received() const { return m_text + m_word; }
 
 private:
     QStringView m_terminator;
@@ -46,6 +48,7 @@ public:
     bool take(std::uint8_t byte);
     [[nodiscard]] bool finished() const { return m_found; }
     [[nodiscard]] const QString& text() const { return m_text; }
+    [[nodiscard]] const QString& received() const { return m_text; }
 
 private:
     QStringView m_marker;
@@ -67,6 +70,8 @@ public:
     [[nodiscard]] bool finished() const { return m_answered; }
     /// The radio needs the upgrade application, unless 76 is all it said.
     [[nodiscard]] bool applicationRequired() const { return m_text != u"76"; }
+    /// Behind the last busy mark.
+    [[nodiscard]] const QString& received() const { return m_text; }
 
 private:
     bool m_doneWordToo;

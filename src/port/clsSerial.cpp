@@ -7,6 +7,7 @@
 #include "platform/PlatformFailure.h"
 #include "port/Cancellation.h"
 #include "port/ReplyText.h"
+#include "session/LooksLike.h"
 #include "shared/HexText.h"
 #include "shared/LastError.h"
 
@@ -71,9 +72,11 @@ void recordFailure(std::span<const FailureMeaning> meanings)
 } // namespace
 
 clsSerial::clsSerial(const Platform& platform, std::shared_ptr<const Cancellation> cancellation,
-                     std::function<bool()> userPresent)
+                     std::function<bool()> userPresent,
+                     std::shared_ptr<const session::Teller> teller)
     : m_platform(platform), m_cancellation(std::move(cancellation)),
-      m_userPresent(std::move(userPresent)), m_timer(m_platform.timers)
+      m_userPresent(std::move(userPresent)), m_teller(std::move(teller)),
+      m_timer(m_platform.timers)
 {
 }
 
@@ -102,6 +105,7 @@ void clsSerial::OpenPort()
     try {
         control()->setPortOpen(true);
         lastError().clear();
+        tellOpened(*control());
     } catch (...) {
         recordFailure(openFailures);
     }
@@ -141,8 +145,10 @@ void clsSerial::WriteBinary(const QByteArray& bytes)
     if (cancelled())
         return;
     try {
+        tellDiscarded(*control());
         control()->setInBufferCount(0);
         control()->output(bytes);
+        m_lastSent = bytes;
         logBytes(LogEntryType::Sent, bytes);
         lastError().clear();
     } catch (...) {
@@ -194,7 +200,38 @@ bool clsSerial::readReply(Reply& reply, milliseconds timeout, int busyMarksAllow
     m_timer.StopTimer();
     if (finished)
         lastError().clear();
+    else
+        tellUnread(reply.received());
     return finished;
+}
+
+void clsSerial::tellOpened(const ISerialControl& line) const
+{
+    if (!m_teller->heard())
+        return;
+    const QString speed = line.settings().section(u',', 0, 0);
+    m_teller->tell(session::LineOpened{line.commPort(), speed.toUInt()});
+}
+
+// Takes what is about to be thrown away; a line that can't be read says so to the write.
+void clsSerial::tellDiscarded(ISerialControl& line) const
+{
+    if (!m_teller->heard())
+        return;
+    QByteArray bytes;
+    while (bytes.size() < session::unexpectedLimit && line.inBufferCount() > 0)
+        bytes += line.input();
+    if (!bytes.isEmpty())
+        m_teller->tell(session::unexpected(bytes, m_lastSent));
+}
+
+// What a cancelled read had received says nothing about the line.
+void clsSerial::tellUnread(const QString& received) const
+{
+    if (!m_teller->heard() || received.isEmpty() || m_cancellation->requested())
+        return;
+    const QByteArray bytes = hexToBytes(QStringView(received).left(2 * session::unexpectedLimit));
+    m_teller->tell(session::unexpected(bytes, m_lastSent));
 }
 
 // The time-out is counted in whole periods: it fails when one passes without a byte, or whatever

@@ -3,6 +3,7 @@
 #include "platform/Platform.h"
 #include "port/IPort.h"
 #include "port/modTimer.h"
+#include "session/Listener.h"
 
 #include <chrono>
 #include <functional>
@@ -27,9 +28,11 @@ class Cancellation;
 /// waited for as long as a user is present, who sees it and can give up; without one, 15 minutes.
 class clsSerial final : public IPort {
 public:
-    /// @p userPresent is asked while a read goes on; empty: nobody is there.
+    /// @p userPresent is asked while a read goes on; empty: nobody is there. @p teller: who is told
+    /// when the line is opened and when bytes come that nobody expects.
     clsSerial(const Platform& platform, std::shared_ptr<const Cancellation> cancellation,
-              std::function<bool()> userPresent = {});
+              std::function<bool()> userPresent = {},
+              std::shared_ptr<const session::Teller> teller = std::make_shared<session::Teller>());
 
     [[nodiscard]] QString PortName() const override;
     void OpenPort() override;
@@ -55,11 +58,16 @@ private:
     [[nodiscard]] std::optional<std::uint8_t> nextByte(ISerialControl& line);
     [[nodiscard]] bool cancelled() const;
     [[nodiscard]] bool userPresent() const { return m_userPresent && m_userPresent(); }
+    void tellOpened(const ISerialControl& line) const;
+    void tellDiscarded(ISerialControl& line) const;
+    void tellUnread(const QString& received) const;
 
     Platform m_platform;
     std::shared_ptr<const Cancellation> m_cancellation;
     std::function<bool()> m_userPresent;
+    std::shared_ptr<const session::Teller> m_teller;
     std::shared_ptr<ISerialControl> m_control;
+    QByteArray m_lastSent;
     modTimer m_timer;
     int m_runLeft = 0; ///< bytes that may be taken before events are served
 };

@@ -2,6 +2,7 @@
 
 #include "protocol/UpgradeState.h"
 #include "protocol/wire/Commands.h"
+#include "session/Listener.h"
 
 #include <QByteArray>
 #include <QString>
@@ -19,6 +20,7 @@ class IWaitDialogFactory;
 class clsFile;
 class colDataBlocks;
 class colDefTables;
+class TargetRecord;
 class clsRadio;
 class colConfigurations;
 class colFlashBlocks;
@@ -33,7 +35,10 @@ struct Platform;
 /// meanwhile. The port stays open in every case.
 class clsProtocol {
 public:
-    clsProtocol(Platform& platform, IProtocolEvents& events, IWaitDialogFactory& dialogs);
+    /// @p teller: whom the conversations tell what they do to the radio.
+    clsProtocol(
+        Platform& platform, IProtocolEvents& events, IWaitDialogFactory& dialogs,
+        std::shared_ptr<const session::Teller> teller = std::make_shared<session::Teller>());
 
     // -- Line speed (clsProtocol_speed.cpp)
 
@@ -113,12 +118,12 @@ private:
     void ResetAndWaitForRadio(IPort& port, bool& blnUARequired, bool& blnInUpgradeMode,
                               bool blnUIMode);
     [[nodiscard]] bool resetAtEitherSpeed(IPort& port, bool& blnUARequired);
+    void resetAndListen(IPort& port, bool& blnUARequired);
     [[nodiscard]] bool waitForPowerCycle(IPort& port, bool& blnUARequired, bool blnUIMode);
     [[nodiscard]] bool waitForPowerCycleByUser(IPort& port, bool& blnUARequired);
     [[nodiscard]] bool waitForPowerCycleUnattended(IPort& port, bool& blnUARequired);
     [[nodiscard]] bool radioStillSilent(IPort& port, bool& blnUARequired);
     void FindRadioBaudRate(IPort& port, bool& blnUARequired, bool& blnInUpgradeMode);
-    [[nodiscard]] bool chooseBootFile(QStringView identifierDigits, QString& strUAFile) const;
 
     // Queries
     [[nodiscard]] bool ParseConfigurationReply(colConfigurations& configurations);
@@ -139,17 +144,20 @@ private:
                        Progress progress);
     [[nodiscard]] bool setFlashAddress(IPort& port, const QString& digits, bool& compressed);
     [[nodiscard]] bool writeChunks(IProtocolWindow& UIForm, IPort& port, colDataBlocks& data,
-                                   bool compressed, Progress& progress);
+                                   bool compressed, Progress& progress, TargetRecord& record);
 
     // Authorisation
     [[nodiscard]] bool SetMemoryTarget(IPort& port, const QString& strMemId);
+    void awaitRestart(IProtocolWindow& UIForm, IPort& port);
 
     Platform& m_platform;
     IProtocolEvents& m_events;
     IWaitDialogFactory& m_dialogs;
+    std::shared_ptr<const session::Teller> m_teller;
 
     UpgradeState m_upgrade;
     QString m_previousBaudRate;
+    QByteArray m_lastFrame;
     QString strReply;            ///< hex text of the last reply read
     bool blnRetry = false;       ///< the radio reported a fault that a repeat may cure
     bool blnFlashLocked = false; ///< the radio answered "flash locked"

@@ -4,6 +4,7 @@
 #include "platform/Platform.h"
 #include "port/IPort.h"
 #include "protocol/IProtocolWindow.h"
+#include "protocol/SessionRecord.h"
 #include "protocol/wire/Frames.h"
 #include "protocol/wire/LineSpeeds.h"
 #include "shared/DisplayTexts.h"
@@ -51,6 +52,12 @@ void clsProtocol::RestartRadio(IProtocolWindow& UIForm, IPort& port)
     UIForm.setStatusPanelStatus(displayText(Text::ResettingRadio));
     if (!SendCommand(port, 0ms, Command::ResetRadio))
         return;
+    awaitRestart(UIForm, port);
+    tellAnswered(*m_teller, Command::ResetRadio);
+}
+
+void clsProtocol::awaitRestart(IProtocolWindow& UIForm, IPort& port)
+{
     port.SetPortParameters(QStringLiteral("19200"), binaryInput);
     if (!lastError().ok())
         return;

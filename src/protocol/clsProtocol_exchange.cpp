@@ -3,6 +3,7 @@
 #include "app/services/LogState.h"
 #include "port/IPort.h"
 #include "protocol/HardwareStrings.h"
+#include "protocol/SessionRecord.h"
 #include "protocol/wire/Frames.h"
 #include "protocol/wire/Replies.h"
 #include "radio/clsRadio.h"
@@ -25,8 +26,9 @@ bool isRecordHeader(std::uint32_t byte)
 
 } // namespace
 
-clsProtocol::clsProtocol(Platform& platform, IProtocolEvents& events, IWaitDialogFactory& dialogs)
-    : m_platform(platform), m_events(events), m_dialogs(dialogs)
+clsProtocol::clsProtocol(Platform& platform, IProtocolEvents& events, IWaitDialogFactory& dialogs,
+                         std::shared_ptr<const session::Teller> teller)
+    : m_platform(platform), m_events(events), m_dialogs(dialogs), m_teller(std::move(teller))
 {
 }
 
@@ -46,16 +48,21 @@ bool clsProtocol::SendCommand(IPort& port, milliseconds timeout, Command command
         port.WriteBinary(*frame);
         if (!lastError().ok())
             return false;
+        m_lastFrame = *frame;
+        tellSent(*m_teller, command);
         if (timeout.count() == 0)
             return true;
 
         const bool answered = command == Command::ReportConfiguration && radio != nullptr
                                   ? readConfigurations(port, timeout, *radio)
                                   : readReply(port, timeout);
+        tellAnswered(*m_teller, command, bytData);
         if (answered)
             return takeRecord(command, radio);
         if (!blnRetry)
             return false;
+        if (attempt < maximumAttempts)
+            tellRepeated(*m_teller, command, attempt + 1);
     }
     return false;
 }
@@ -64,7 +71,11 @@ bool clsProtocol::readReply(IPort& port, milliseconds timeout, bool* terminated)
 {
     strReply = port.ReadBinary(static_cast<std::int16_t>(timeout.count()),
                                QString::fromUtf16(doneWord), terminated);
-    return lastError().ok() && CheckReply();
+    if (!lastError().ok() || CheckReply())
+        return lastError().ok();
+    if (lastError().code() == Code::UnknownRadioError)
+        tellUnreadable(*m_teller, strReply, m_lastFrame);
+    return false;
 }
 
 bool clsProtocol::readConfigurations(IPort& port, milliseconds timeout, clsRadio& radio)

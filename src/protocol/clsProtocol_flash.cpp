@@ -9,6 +9,7 @@
 #include "protocol/IProtocolEvents.h"
 #include "protocol/IProtocolWindow.h"
 #include "protocol/PadPlacement.h"
+#include "protocol/SessionRecord.h"
 #include "protocol/wire/Frames.h"
 #include "radio/clsRadio.h"
 #include "shared/DisplayTexts.h"
@@ -120,6 +121,7 @@ void clsProtocol::WriteFileData(IProtocolWindow& UIForm, IPort& port, const colD
     try {
         const ChunkTotals totals = estimateChunks(tables);
         progress.total = totals.compressed;
+        TargetRecord record(*m_teller, tables);
         for (std::int32_t i = 0; i < tables.Count(); ++i) {
             const DataDefinition run = tables.Item(i);
             const auto data = run.Datablocks;
@@ -128,11 +130,13 @@ void clsProtocol::WriteFileData(IProtocolWindow& UIForm, IPort& port, const colD
                 return;
             if (!compressed)
                 progress.total = totals.plain;
-            if (!writeChunks(UIForm, port, *data, compressed, progress))
+            record.tableBegun(i, compressed);
+            if (!writeChunks(UIForm, port, *data, compressed, progress, record))
                 return;
         }
         UIForm.setProgressBar(100);
         lastError().clear();
+        m_teller->tell(session::TargetWritten{});
     } catch (...) {
         lastError().set(Code::DataError);
     }
@@ -152,7 +156,7 @@ bool clsProtocol::setFlashAddress(IPort& port, const QString& digits, bool& comp
 }
 
 bool clsProtocol::writeChunks(IProtocolWindow& UIForm, IPort& port, colDataBlocks& data,
-                              bool compressed, Progress& progress)
+                              bool compressed, Progress& progress, TargetRecord& record)
 {
     const Command write = compressed ? Command::WriteFlashDataInflate : Command::WriteFlashData;
     data.setReadPosition(0);
@@ -166,6 +170,7 @@ bool clsProtocol::writeChunks(IProtocolWindow& UIForm, IPort& port, colDataBlock
         m_events.onDownloadProgress(percentage, progress.fileName, progress.fileIndex);
         if (!SendCommand(port, flashTimeout, write, chunk))
             return false;
+        record.frameAnswered(chunk.size());
     }
     return true;
 }

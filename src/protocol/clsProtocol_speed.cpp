@@ -17,8 +17,11 @@ void clsProtocol::NegotiateBaud(IProtocolWindow& UIForm, IPort& port, std::int32
 {
     UIForm.setStatusPanelStatus(displayText(Text::SettingBaudRate));
     for (const std::uint32_t speed : speedsToTry(intListIndex)) {
-        if (ChangeBaudRate(UIForm, port, QString::number(speed)))
+        if (ChangeBaudRate(UIForm, port, QString::number(speed))) {
+            // The previous speed where the radio stayed at it.
+            m_teller->tell(session::SpeedAgreed{m_previousBaudRate.toUInt()});
             return;
+        }
     }
     lastError().set(Code::BaudRateNotSet);
 }

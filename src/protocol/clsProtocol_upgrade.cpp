@@ -11,6 +11,7 @@
 #include "protocol/IProtocolEvents.h"
 #include "protocol/IProtocolWindow.h"
 #include "protocol/IWaitDialog.h"
+#include "protocol/SessionRecord.h"
 #include "protocol/wire/BootFiles.h"
 #include "protocol/wire/Frames.h"
 #include "protocol/wire/LineSpeeds.h"
@@ -58,34 +59,31 @@ void clsProtocol::LogRadioIntoUpgradeMode(IProtocolWindow& UIForm, IPort& port, 
     if (!lastError().ok())
         return;
 
-    const QString identifier = port.ReadBinary(2000, QStringLiteral("2A"));
+    const QString answer = port.ReadBinary(2000, QStringLiteral("2A"));
     if (!lastError().ok()) {
         lastError().set(Code::RadioDidNotLogOn);
         return;
     }
     m_previousBaudRate = QStringLiteral("19200");
+    const QString identifier = hardwareIdentifier(QString::fromLatin1(HexToBytes(answer)));
 
     // "?" behind the identifier: the radio's own software takes part.
     (void)port.ReadBinary(750, QStringLiteral("3F"));
     const bool ownSoftware = lastError().ok();
     if (blnUARequired && !ownSoftware) {
-        if (chooseBootFile(identifier, strUAFile))
-            lastError().clear();
+        if (identifier.isEmpty()) {
+            lastError().set(Code::RadioDidNotLogOn);
+            return;
+        }
+        strUAFile = m_platform.program.folder() + u'\\' + bootFileFor(identifier);
+        lastError().clear();
+        m_teller->tell(session::LoggedOn{identifier, true});
         return;
     }
     blnUARequired = false;
     (void)port.ReadBinary(2000, QStringLiteral("AFAF"));
-}
-
-bool clsProtocol::chooseBootFile(QStringView identifierDigits, QString& strUAFile) const
-{
-    const QString identifier = QString::fromLatin1(HexToBytes(identifierDigits));
-    const qsizetype star = identifier.indexOf(u'*');
-    if (star < 0)
-        return fail(Code::RadioDidNotLogOn);
-    const QString sixCharacters = star >= 6 ? identifier.mid(star - 5, 6) : identifier;
-    strUAFile = m_platform.program.folder() + u'\\' + bootFileFor(sixCharacters);
-    return true;
+    if (lastError().ok())
+        m_teller->tell(session::LoggedOn{identifier, false});
 }
 
 void clsProtocol::ResetAndWaitForRadio(IPort& port, bool& blnUARequired, bool& blnInUpgradeMode,
@@ -117,16 +115,14 @@ void clsProtocol::ResetAndWaitForRadio(IPort& port, bool& blnUARequired, bool& b
 // too), 0 (it answered at 9600: it needs a power cycle with its F1 key) or the port's.
 bool clsProtocol::resetAtEitherSpeed(IPort& port, bool& blnUARequired)
 {
-    port.ResetRadio();
-    port.WaitForReset(blnUARequired, false);
+    resetAndListen(port, blnUARequired);
     if (lastError().ok())
         return true;
 
     if (!setSpeed(port, 9600))
         return false;
     m_platform.events.pause(500ms);
-    port.ResetRadio();
-    port.WaitForReset(blnUARequired, false);
+    resetAndListen(port, blnUARequired);
     const bool answered = lastError().ok();
     m_upgrade.blnF1KeyRequired = answered;
     if (setSpeed(port, 19200) && !answered)
@@ -134,14 +130,28 @@ bool clsProtocol::resetAtEitherSpeed(IPort& port, bool& blnUARequired)
     return false;
 }
 
+void clsProtocol::resetAndListen(IPort& port, bool& blnUARequired)
+{
+    port.ResetRadio();
+    const bool sent = lastError().ok();
+    if (sent)
+        tellResetSent(*m_teller);
+    port.WaitForReset(blnUARequired, false);
+    if (sent)
+        tellResetAnswered(*m_teller);
+}
+
 // False when the operation ends here: the user gave up (1), nobody power-cycled the radio in time
 // (21), or the port had not come back by then (its code). A dialog that no screen shows would wait
 // for ever.
 bool clsProtocol::waitForPowerCycle(IPort& port, bool& blnUARequired, bool blnUIMode)
 {
-    return blnUIMode && m_platform.program.screenPresent()
-               ? waitForPowerCycleByUser(port, blnUARequired)
-               : waitForPowerCycleUnattended(port, blnUARequired);
+    m_teller->tell(session::PowerCycleRequired{upgradeState().blnF1KeyRequired});
+    const bool answered = blnUIMode ? waitForPowerCycleByUser(port, blnUARequired)
+                                    : waitForPowerCycleUnattended(port, blnUARequired);
+    if (answered)
+        tellResetAnswered(*m_teller);
+    return answered;
 }
 
 bool clsProtocol::waitForPowerCycleByUser(IPort& port, bool& blnUARequired)
@@ -198,6 +208,7 @@ void clsProtocol::FindRadioBaudRate(IPort& port, bool& blnUARequired, bool& blnI
         strReply = port.ReadBinary(500, QStringLiteral("AFAF"));
         if (lastError().ok()) {
             blnInUpgradeMode = true;
+            m_teller->tell(session::LoggedOn{std::nullopt, false});
             blnUARequired = false;
             m_previousBaudRate = QString::number(speed);
             return;
@@ -234,6 +245,8 @@ void clsProtocol::SendUpgradeApplication(IProtocolWindow& UIForm, IPort& port,
 
     logDownload(QStringLiteral("Send Upgrade Application... "));
     (void)port.ReadBinary(2000, QStringLiteral("AFAF"));
+    if (lastError().ok())
+        m_teller->tell(session::BootApplicationSent{objFile.Name(), count});
 }
 
 } // namespace fldc

@@ -22,6 +22,14 @@ constexpr const char16_t* defaultBootFile = u"JVA2U.Srec";
 
 } // namespace
 
+QString hardwareIdentifier(const QString& text)
+{
+    const qsizetype star = text.indexOf(u'*');
+    if (star < 0)
+        return {};
+    return star >= 6 ? text.mid(star - 5, 6) : text;
+}
+
 QString bootFileFor(QStringView identifier)
 {
     const auto* found = std::ranges::find(bootFiles, identifier, &BootFile::identifier);
