@@ -4,7 +4,7 @@
 #include "platform/Platform.h"
 #include "port/IPort.h"
 #include "protocol/IProtocolWindow.h"
-#include "protocol/SessionRecord.h"
+#include "protocol/record/CommandRecord.h"
 #include "protocol/wire/Frames.h"
 #include "protocol/wire/LineSpeeds.h"
 #include "shared/DisplayTexts.h"

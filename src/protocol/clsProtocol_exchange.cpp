@@ -3,7 +3,7 @@
 #include "app/services/LogState.h"
 #include "port/IPort.h"
 #include "protocol/HardwareStrings.h"
-#include "protocol/SessionRecord.h"
+#include "protocol/record/CommandRecord.h"
 #include "protocol/wire/Frames.h"
 #include "protocol/wire/Replies.h"
 #include "radio/clsRadio.h"

@@ -9,7 +9,7 @@
 #include "protocol/IProtocolEvents.h"
 #include "protocol/IProtocolWindow.h"
 #include "protocol/PadPlacement.h"
-#include "protocol/SessionRecord.h"
+#include "protocol/record/TargetRecord.h"
 #include "protocol/wire/Frames.h"
 #include "radio/clsRadio.h"
 #include "shared/DisplayTexts.h"

@@ -11,7 +11,7 @@
 #include "protocol/IProtocolEvents.h"
 #include "protocol/IProtocolWindow.h"
 #include "protocol/IWaitDialog.h"
-#include "protocol/SessionRecord.h"
+#include "protocol/record/CommandRecord.h"
 #include "protocol/wire/BootFiles.h"
 #include "protocol/wire/Frames.h"
 #include "protocol/wire/LineSpeeds.h"

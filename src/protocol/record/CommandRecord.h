@@ -10,8 +10,6 @@
 
 namespace fldc {
 
-class colDefTables;
-
 // What the conversations tell of themselves. All of it does nothing while nobody listens, and
 // leaves the last error alone.
 
@@ -26,26 +24,5 @@ void tellResetAnswered(const session::Teller& teller);
 void tellRepeated(const session::Teller& teller, Command command, int attempt);
 /// @p reply (hex text) to @p frame could not be read.
 void tellUnreadable(const session::Teller& teller, QStringView reply, const QByteArray& frame);
-
-/// Tells of the data of one target as they go out.
-class TargetRecord {
-public:
-    /// @p tables: all that will be written; they outlive this.
-    TargetRecord(const session::Teller& teller, const colDefTables& tables);
-
-    /// The radio took the address of table @p index (from 0), whose data follow in this form.
-    void tableBegun(std::int32_t index, bool compressed);
-    /// It took a frame of @p bytes.
-    void frameAnswered(qsizetype bytes);
-
-private:
-    [[nodiscard]] std::int64_t bytesFrom(std::int32_t index) const;
-
-    const session::Teller& m_teller;
-    const colDefTables& m_tables;
-    bool m_plainOnly = false; ///< the radio does not take compressed data
-    std::int64_t m_bytes = 0;
-    std::int64_t m_total = 0; ///< 0 until the first table is begun
-};
 
 } // namespace fldc

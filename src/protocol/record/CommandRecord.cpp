@@ -1,8 +1,5 @@
-#include "protocol/SessionRecord.h"
+#include "protocol/record/CommandRecord.h"
 
-#include "firmware/colDataBlocks.h"
-#include "firmware/colDefTables.h"
-#include "protocol/FlashPlan.h"
 #include "protocol/wire/Frames.h"
 #include "protocol/wire/Replies.h"
 #include "session/LooksLike.h"
@@ -71,11 +68,6 @@ session::BlocksDone blocksDone(BlockAction action, const QByteArray& data)
     return done;
 }
 
-std::int32_t wireBytes(const colDataBlocks& data, bool compressed)
-{
-    return compressed ? data.CompressedCount() : data.Count() + data.Count() % 2;
-}
-
 } // namespace
 
 void tellSent(const session::Teller& teller, Command command)
@@ -120,42 +112,6 @@ void tellUnreadable(const session::Teller& teller, QStringView reply, const QByt
 {
     if (teller.heard() && !reply.isEmpty())
         teller.tell(session::unexpected(HexToBytes(reply), frame));
-}
-
-TargetRecord::TargetRecord(const session::Teller& teller, const colDefTables& tables)
-    : m_teller(teller), m_tables(tables)
-{
-}
-
-void TargetRecord::tableBegun(std::int32_t index, bool compressed)
-{
-    if (!m_teller.heard())
-        return;
-    const DataDefinition run = m_tables.Item(index);
-    const colDataBlocks& data = *run.Datablocks;
-    const bool refused = !compressed && data.CompressedCount() > 0 && !m_plainOnly;
-    m_plainOnly |= refused;
-    if (refused || m_total == 0)
-        m_total = m_bytes + bytesFrom(index);
-    m_teller.tell(session::TableBegun{static_cast<std::uint32_t>(runAddress(run)), data.Count(),
-                                      wireBytes(data, compressed), compressed});
-}
-
-void TargetRecord::frameAnswered(qsizetype bytes)
-{
-    m_bytes += bytes;
-    if (m_total != 0)
-        m_teller.tell(session::DataProgress{m_bytes, m_total});
-}
-
-std::int64_t TargetRecord::bytesFrom(std::int32_t index) const
-{
-    std::int64_t bytes = 0;
-    for (std::int32_t i = index; i < m_tables.Count(); ++i) {
-        const auto data = m_tables.Datablocks(i);
-        bytes += wireBytes(*data, !m_plainOnly && data->CompressedCount() > 0);
-    }
-    return bytes;
 }
 
 } // namespace fldc
