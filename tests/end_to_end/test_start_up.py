@@ -12,7 +12,10 @@ import sys
 import time
 import unittest
 
-from workbench import Workbench
+sys.path.append(str(pathlib.Path(__file__).resolve().parents[1] / "ui"))
+
+from desktop import MISSING, Desktop  # noqa: E402
+from workbench import Workbench  # noqa: E402
 
 PROGRAM, SIMULATOR = sys.argv[1], sys.argv[2]
 SAMPLES = pathlib.Path(sys.argv[3]).resolve()
@@ -169,6 +172,30 @@ class Signals(unittest.TestCase):
                 self.assertNotIn("Sent", bench.log())
                 self.assertTrue(any(line.startswith("You are attempting") for line in lines), lines)
                 self.assertIn("rv4100_fldc: Interrupted", lines)
+
+    @unittest.skipIf(MISSING, "needs Xvfb and xdotool")
+    def test_an_interrupt_of_a_program_with_windows(self):
+        """Whether it waits for the radio, for an answer or for nothing; with one signal."""
+        command = "Command (Report Configuration)"
+        for arguments, title, key, until, code, outcome in [
+                ((), "Kelvane", "alt+r", command, 1, CANCELLED),
+                ((), "Kelvane", None, None, 0, "Ready"),
+                (("/f", FPGA), "Kelvane", None, None, 1, CANCELLED),
+                (("/g", "/r", "1", "/f", BUNDLE), "Kelvane", None, command, 1, CANCELLED),
+                (("/?",), "Kelvane", None, None, 1, "")]:
+            with self.subTest(arguments=arguments, key=key), Desktop() as desktop, \
+                    workbench(faults=["silent@31"]) as bench:
+                run = bench.start(*arguments, DISPLAY=desktop.display, QT_QPA_PLATFORM="xcb")
+                window = desktop.window(title)
+                if key:
+                    desktop.key(window, key)
+                if until:
+                    wait_for(until, lambda: until in bench.log())
+                run.send_signal(signal.SIGTERM)
+                self.assertEqual(run.wait(timeout=20), code)
+                log = bench.log()
+                self.assertTrue(outcome in (bench.outcome(), ""), bench.outcome())
+                self.assertEqual(log.count("START LOG"), log.count("END LOG"))
 
 
 if __name__ == "__main__":
