@@ -405,6 +405,38 @@ class Automation(unittest.TestCase):
                 self.assertEqual(outcome[0], 1)
         self.end_and_check_log()
 
+    @staticmethod
+    def read_into(pieces, descriptor):
+        try:
+            pieces.append(os.read(descriptor, 1000))
+        except BlockingIOError:
+            pass
+        return b"".join(pieces)
+
+    def test_a_question_ends_with_its_operation(self):
+        ours, theirs = os.openpty()  # where somebody could answer
+        os.set_blocking(ours, False)
+        service = subprocess.Popen([PROGRAM, "--automation"], stdin=theirs, stdout=theirs, stderr=theirs)
+        self.addCleanup(service.wait)
+        self.addCleanup(service.terminate)
+        self.assertTrue(wait_for(self.running))
+        bystander = self.manager(self.new_client(), "2", files=False)
+        visitor = self.new_client()
+        for caller, end in ((self.client, lambda: manager.ShutDownUiLessMode()), (visitor, visitor.leave)):
+            manager = self.manager(self.client, "1", files=False)
+            self.assertEqual(manager.LoadFilesEx("ss", str(SOURCES / "samples/rv4100/fpga.srec"), ","), 0)
+            outcome = caller.object(manager.path).start("DownLoad", "s", "")
+            asked = []
+            self.assertTrue(wait_for(lambda: self.read_into(asked, ours).endswith(b"[y/N] ")), asked)
+            bystander.ShutDownUiLessMode()  # its own operation does not run
+            self.assert_error(BUSY, bystander.CreateNewLogFile)
+            self.assertEqual(outcome, [])
+            end()
+            self.assertTrue(wait_for(lambda: self.error_of(bystander.CreateNewLogFile) != BUSY, 5))
+            self.assertEqual(manager.GetLastError()[0], 1)
+        for end in (ours, theirs):
+            os.close(end)
+
     def test_the_global_object_and_the_end_of_the_process(self):
         self.assertFalse(self.running())
         glob = self.client.object(GLOBAL)

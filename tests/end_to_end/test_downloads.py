@@ -4,9 +4,7 @@ by byte, the outcome that the program reports, its exit code and closed logs.
 Called with the paths of the program, the simulator and the sample firmware."""
 
 import concurrent.futures
-import os
 import pathlib
-import pty
 import signal
 import subprocess
 import sys
@@ -157,50 +155,6 @@ class Downloads(unittest.TestCase):
             self.assertIn("Error 12 - Serial port in use by another application", bench.log("1_Download.log"))
             first.send_signal(signal.SIGTERM)
             self.assertEqual(first.wait(timeout=60), 1)
-
-    def test_an_interrupt_ends_the_run_in_order(self):
-        with workbench("rv4100", ["silent@31"]) as bench:
-            run = bench.start("/p", "1", "/f", str(SAMPLES / "rv4100\\bundle.srec").replace("/", "\\"))
-            wait_until_sent(bench, "3100CEFF")
-            run.send_signal(signal.SIGINT)
-            self.assertEqual(run.wait(timeout=60), 1)
-            self.assertEqual(bench.outcome(), "Error 1 - User cancelled upgrade")
-            self.assertTrue(bench.log().rstrip().endswith("*" * 42))
-
-    def test_exit_codes_and_usage(self):
-        with workbench("rv4100") as bench:
-            for arguments, code, text in [(["/?"], 0, "RV4100_FLDC Usage"),
-                                          (["/r", "1"], 1, "RV4100_FLDC Usage"),
-                                          (["/g", "/f", "a"], 1, "RV4100_FLDC Usage"),
-                                          (["/F", "a"], 1, "RV4100_FLDC Usage"),
-                                          (["/f", "a", "/f", "b"], 1, "/f is given twice"),
-                                          (["/r", "x", "/f", "a"], 1, "/r takes a number"),
-                                          (["/p", "40000", "/f", "a"], 1, "/p takes a number")]:
-                with self.subTest(arguments=arguments):
-                    run = bench.start(*arguments)
-                    out, err = run.communicate(timeout=20)
-                    self.assertEqual(run.returncode, code)
-                    self.assertIn(text, out if text.endswith("Usage") else err)
-
-    def test_a_terminal_shows_status_and_progress(self):
-        with workbench("rv4200") as bench:
-            ours, theirs = pty.openpty()
-            file = str(SAMPLES / "rv4200/application.srec").replace("/", "\\")
-            run = subprocess.Popen([PROGRAM, "/p", "1", "/f", file], env=bench.environment(),
-                                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=theirs)
-            os.close(theirs)
-            shown = b""
-            while True:
-                try:
-                    piece = os.read(ours, 4096)
-                except OSError:
-                    break
-                shown += piece
-            self.assertEqual(run.wait(timeout=60), 0)
-            self.assertIn(b"Erasing flash...", shown)
-            self.assertIn(b"100 %", shown)
-            self.assertTrue(shown.rstrip().endswith(DONE.encode()))
-            os.close(ours)
 
 
 if __name__ == "__main__":

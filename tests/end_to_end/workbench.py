@@ -19,11 +19,16 @@ class Workbench:
         for boot in (samples / "boot").iterdir():
             (self.folder / boot.name).write_bytes(boot.read_bytes())
         (self.folder / "settings.conf").write_text(f"[General]\nDebug={debug}\n")
-        arguments = [simulator, "--profile", profile, "--link", self.folder / "radio",
-                     "--flash", self.folder / "flash"] + (["--pace"] if pace else [])
+        self._arguments = [simulator, "--profile", profile, "--link", self.folder / "radio",
+                           "--flash", self.folder / "flash"] + (["--pace"] if pace else [])
+        self.start_radio(*faults)
+
+    def start_radio(self, *faults):
+        arguments = list(self._arguments)
         for fault in faults:
             arguments += ["--fault", fault]
-        self.radio = subprocess.Popen(arguments, stdout=open(self.folder / "radio.txt", "w"))
+        with open(self.folder / "radio.txt", "w") as output:
+            self.radio = subprocess.Popen(arguments, stdout=output)
         deadline = time.monotonic() + 10
         while not (self.folder / "radio").exists():
             assert self.radio.poll() is None and time.monotonic() < deadline, "no simulated radio"
@@ -40,7 +45,8 @@ class Workbench:
         values = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY")}
         values.update(RV4100_FLDC_PORTS=f"COM1={self.folder / 'radio'}",
                       RV4100_FLDC_SETTINGS=str(self.folder / "settings.conf"),
-                      RV4100_FLDC_HOME=str(self.folder), RV4100_FLDC_POWER_CYCLE_S="3", **more)
+                      RV4100_FLDC_HOME=str(self.folder), RV4100_FLDC_POWER_CYCLE_S="3")
+        values.update(more)
         return values
 
     def start(self, *arguments, **more):
