@@ -71,9 +71,10 @@ std::int16_t switchNumber(const SwitchTable& table, QChar letter)
     try {
         return toInt16(table.value(letter));
     } catch (const PlatformFailure& failure) {
-        throw PlatformFailure(failure.number(),
-                              QStringLiteral("The switch /%1 takes a number, not \"%2\"")
-                                  .arg(letter, table.value(letter)));
+        const QString text = failure.number() == static_cast<int>(FailureNumber::Overflow)
+                                 ? QStringLiteral("The number %2 of the switch /%1 is out of range")
+                                 : QStringLiteral("The switch /%1 takes a number, not \"%2\"");
+        throw PlatformFailure(failure.number(), text.arg(letter, table.value(letter)));
     }
 }
 

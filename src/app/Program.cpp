@@ -2,13 +2,17 @@
 
 #include "app/StartUp.h"
 #include "automation/AutomationServer.h"
+#include "manager/Operation.h"
 #include "manager/clsDLManager.h"
 #include "platform/qt/ProgramInfo.h"
 #include "platform/qt/SignalWatch.h"
+#include "shared/LastError.h"
 #include "ui/frmDownload.h"
 #include "ui/frmIcon.h"
 
 #include <QApplication>
+
+#include <cstdio>
 
 #include <unistd.h>
 
@@ -16,7 +20,9 @@ namespace fldc {
 
 Program::Program(bool onTerminal)
     : m_desktopMessages(ProgramInfo().title()),
-      m_messages(m_desktopMessages, m_terminalMessages, {[this] { return windowVisible(); }}),
+      m_messages(m_desktopMessages, m_terminalMessages,
+                 {.windowVisible = [this] { return windowVisible(); },
+                  .nobodyWaits = [this] { return m_ending || operationCancelled(); }}),
       m_errorBox(m_messages), m_qtPlatform(m_messages), m_waitDialogs(ProgramInfo().title()),
       m_windows(m_qtPlatform.platform(),
                 frmDownload::factory(m_qtPlatform.platform(), m_fileDialogs, m_helpViewer),
@@ -25,6 +31,10 @@ Program::Program(bool onTerminal)
     frmIcon::useForApplication();
     if (onTerminal && isatty(STDERR_FILENO) != 0)
         m_terminal = std::make_unique<TerminalProgress>(STDERR_FILENO);
+    m_terminalMessages.setEndLine([this] {
+        if (m_terminal)
+            m_terminal->endLine();
+    });
 }
 
 Program::~Program() = default;
@@ -44,20 +54,41 @@ int Program::runSwitches(const QString& commandLine)
 int Program::runStartUp(const QString& commandLine)
 {
     StartUp startUp(m_qtPlatform.platform(), m_windows, m_waitDialogs,
-                    [this](clsDLManager& manager) { watch(manager); });
-    const SignalWatch signalWatch([&startUp] {
-        startUp.interrupt();
-        QApplication::quit();
-    });
+                    {[this](clsDLManager& manager) { watch(manager); },
+                     [this](const QString& reason) { complain(reason); }});
+    const SignalWatch signalWatch([this, &startUp] { interrupt(startUp); });
     const std::optional<int> exitCode = startUp.run(commandLine);
-    return exitCode ? *exitCode : QApplication::exec();
+    if (exitCode)
+        return *exitCode;
+    return startUp.interrupted() ? 1 : QApplication::exec();
+}
+
+// Ends what runs and what waits for the user, and the event loop behind that: not by closing the
+// windows, which one with a running operation refuses. Exit code 0 is for a program that was idle.
+void Program::interrupt(StartUp& startUp)
+{
+    const bool idle = !operationRuns() && QApplication::activeModalWidget() == nullptr;
+    m_ending = true;
+    startUp.interrupt();
+    m_messages.dismiss();
+    QApplication::exit(idle ? 0 : 1);
+}
+
+void Program::complain(const QString& reason)
+{
+    if (m_terminal)
+        m_terminal->endLine();
+    std::fprintf(stderr, "rv4100_fldc: %s\n", qUtf8Printable(reason));
 }
 
 int Program::runAutomation()
 {
     QApplication::setQuitOnLastWindowClosed(false);
     AutomationServer server(m_qtPlatform.platform(), m_windows, m_waitDialogs);
-    const SignalWatch signalWatch([&server] { server.interrupt(); });
+    const SignalWatch signalWatch([this, &server] {
+        m_ending = true;
+        server.interrupt();
+    });
     return server.run();
 }
 
@@ -70,9 +101,14 @@ void Program::watch(const std::shared_ptr<DownloadWindow>& window)
 
 void Program::watch(clsDLManager& manager)
 {
-    if (m_terminal)
-        QObject::connect(&manager, &clsDLManager::PowerCycleRequired, &manager,
-                         [this] { m_terminal->askForPowerCycle(); });
+    if (!m_terminal)
+        return;
+    QObject::connect(&manager, &clsDLManager::PowerCycleRequired, &manager, [this, &manager] {
+        m_terminal->say(powerCycleRequest(manager.upgradeState().blnF1KeyRequired));
+    });
+    QObject::connect(&manager, &clsDLManager::FileNotLoaded, &manager, [this](const QString& path) {
+        m_terminal->say(path + QStringLiteral(": ") + statusLine({}));
+    });
 }
 
 bool Program::windowVisible() const

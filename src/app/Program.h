@@ -15,6 +15,7 @@
 
 namespace fldc {
 
+class StartUp;
 class clsDLManager;
 
 /// The program put together: the real platform, the windows, and where messages go. Lives as long
@@ -37,6 +38,8 @@ public:
 
 private:
     [[nodiscard]] int runStartUp(const QString& commandLine);
+    void interrupt(StartUp& startUp);
+    void complain(const QString& reason);
     void watch(const std::shared_ptr<DownloadWindow>& window);
     void watch(clsDLManager& manager);
     [[nodiscard]] bool windowVisible() const;
@@ -52,6 +55,7 @@ private:
     WindowFactory m_windows;
     std::weak_ptr<DownloadWindow> m_latestWindow;
     std::unique_ptr<TerminalProgress> m_terminal;
+    bool m_ending = false; ///< a signal asked for it
 };
 
 } // namespace fldc

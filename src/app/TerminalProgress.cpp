@@ -1,7 +1,5 @@
 #include "app/TerminalProgress.h"
 
-#include "protocol/UpgradeState.h"
-
 #include <sys/ioctl.h>
 #include <unistd.h>
 
@@ -47,10 +45,10 @@ void TerminalProgress::watch(std::shared_ptr<DownloadWindow> window)
         m_window->addObserver(*this);
 }
 
-void TerminalProgress::askForPowerCycle()
+void TerminalProgress::say(const QString& text)
 {
     endLine();
-    write(powerCycleRequest(upgradeState().blnF1KeyRequired) + u'\n');
+    write(text + u'\n');
 }
 
 void TerminalProgress::windowChanged(WindowPart part)

@@ -18,14 +18,15 @@ public:
 
     /// The window to show; nullptr lets go of it.
     void watch(std::shared_ptr<DownloadWindow> window);
-    /// Asks for a power cycle, on a line of its own.
-    void askForPowerCycle();
+    /// Ends the present line, and writes @p text on one of its own.
+    void say(const QString& text);
+    /// Ends the present line, for text of another writer.
+    void endLine();
 
     void windowChanged(WindowPart part) override;
 
 private:
     void redraw();
-    void endLine();
     void write(const QString& text) const;
 
     int m_fileDescriptor;

@@ -1,5 +1,6 @@
 #include "app/Program.h"
 #include "platform/PlatformFailure.h"
+#include "platform/qt/display/MessageChooser.h"
 #include "platform/qt/display/QtPlatformChoice.h"
 
 #include <QApplication>
@@ -12,6 +13,14 @@ int run(const QString& commandLine)
 {
     if (commandLine == u"--automation")
         return fldc::Program(false).runAutomation();
+    if (commandLine.isEmpty() && !fldc::displayPresent()) {
+        std::fputs(
+            "rv4100_fldc: there is no display for the window. Without one, a download is run "
+            "with the switches /f, /p and /r (/? explains them), and --automation serves "
+            "other programs.\n",
+            stderr);
+        return 1;
+    }
     if (commandLine.isEmpty())
         return fldc::Program(false).runWindow();
     return fldc::Program(true).runSwitches(commandLine);

@@ -3,6 +3,7 @@
 #include "automation/BusNames.h"
 #include "automation/PublishedClasses.h"
 #include "manager/Operation.h"
+#include "platform/IMessageBox.h"
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
@@ -112,6 +113,10 @@ void AutomationServer::interrupt()
         release(object);
     if (m_global)
         m_global->endWork();
+    // Also what a user started in a window.
+    for (const auto& manager : m_leaving)
+        manager->endWork();
+    m_platform.messages.dismiss();
     QCoreApplication::exit(0);
 }
 

@@ -2,23 +2,14 @@
 
 #include "automation/BusNames.h"
 #include "manager/Operation.h"
+#include "platform/IMessageBox.h"
+#include "platform/IProgramInfo.h"
 
-#include <QCoreApplication>
 #include <QDBusMessage>
 
+#include <utility>
+
 namespace fldc {
-
-namespace {
-
-// Whether a user can see a window that is shown. A property, because only programs with a display
-// have it.
-bool onScreen()
-{
-    const QVariant platform = QCoreApplication::instance()->property("platformName");
-    return platform.isValid() && platform.toString() != QLatin1String("offscreen");
-}
-
-} // namespace
 
 std::shared_ptr<IDownloadWindow> ManagerObject::Windows::createWindow()
 {
@@ -30,13 +21,14 @@ std::shared_ptr<IDownloadWindow> ManagerObject::Windows::createWindow()
 bool ManagerObject::Windows::latestVisible() const
 {
     const auto window = m_latest.lock();
-    return window && window->isVisible() && onScreen();
+    return window && window->isVisible() && m_program.screenPresent();
 }
 
 ManagerObject::ManagerObject(const Platform& platform, IDownloadWindowFactory& windows,
                              IWaitDialogFactory& dialogs, const QDBusConnection& connection,
                              const QString& path)
-    : m_windows(windows), m_manager(platform, m_windows, dialogs)
+    : m_messages(platform.messages), m_windows(windows, platform.program),
+      m_manager(platform, m_windows, dialogs)
 {
     sendEvents(connection, path);
 }
@@ -67,12 +59,12 @@ ManagerObject::ExclusiveCall::ExclusiveCall(ManagerObject& object, const QString
 {
     if (operationRuns())
         throw BusError{busyError, QStringLiteral("another operation runs")};
-    m_object.m_callingClient = client;
+    m_clientBefore = std::exchange(m_object.m_callingClient, client);
 }
 
 ManagerObject::ExclusiveCall::~ExclusiveCall()
 {
-    m_object.m_callingClient.clear();
+    m_object.m_callingClient = m_clientBefore;
 }
 
 bool ManagerObject::startTask(enmAsyncTaskID task, const QString& input, const QString& client)
@@ -101,6 +93,9 @@ void ManagerObject::endWork()
 {
     m_manager.withdrawTask();
     m_manager.cancelOperation();
+    // Calls that are no operation show boxes, too: a log that can't be written.
+    if (!m_callingClient.isEmpty() && !operationRuns())
+        m_messages.dismiss();
 }
 
 } // namespace fldc

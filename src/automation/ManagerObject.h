@@ -34,6 +34,7 @@ public:
 
     private:
         ManagerObject& m_object;
+        QString m_clientBefore;
     };
 
     /// clsDLManager::AsyncTaskProcess, refused also while a call runs an operation of this manager:
@@ -45,24 +46,29 @@ public:
     /// Nobody holds the manager any more: no further event, and its operation ends; one that the
     /// user started in a visible window goes on.
     void abandon();
-    /// Ends the running operation and takes back a pending task.
+    /// Ends the running operation with its message boxes, and takes back a pending task.
     void endWork();
 
 private:
     // Remembers the window that the manager has at present.
     class Windows final : public IDownloadWindowFactory {
     public:
-        explicit Windows(IDownloadWindowFactory& factory) : m_factory(factory) {}
+        Windows(IDownloadWindowFactory& factory, IProgramInfo& program)
+            : m_factory(factory), m_program(program)
+        {
+        }
         [[nodiscard]] std::shared_ptr<IDownloadWindow> createWindow() override;
         [[nodiscard]] bool latestVisible() const;
 
     private:
         IDownloadWindowFactory& m_factory;
+        IProgramInfo& m_program;
         std::weak_ptr<IDownloadWindow> m_latest;
     };
 
     void sendEvents(const QDBusConnection& connection, const QString& path);
 
+    IMessageBox& m_messages;
     Windows m_windows;
     clsDLManager m_manager;
     QString m_callingClient; ///< of the exclusive call that runs; empty when none does

@@ -1,10 +1,15 @@
 #include "manager/Operation.h"
 
+#include "port/Cancellation.h"
+
+#include <utility>
+
 namespace fldc {
 
 namespace {
 
 thread_local bool runs = false;
+thread_local std::shared_ptr<const Cancellation> claimed;
 
 } // namespace
 
@@ -15,13 +20,30 @@ OperationScope::OperationScope() : m_granted(!runs)
 
 OperationScope::~OperationScope()
 {
-    if (m_granted)
-        runs = false;
+    if (!m_granted)
+        return;
+    runs = false;
+    claimed.reset();
 }
 
 bool operationRuns()
 {
     return runs;
+}
+
+void claimOperation(std::shared_ptr<const Cancellation> cancellation)
+{
+    claimed = std::move(cancellation);
+}
+
+bool operationRunsFor(const Cancellation& cancellation)
+{
+    return claimed.get() == &cancellation;
+}
+
+bool operationCancelled()
+{
+    return claimed && claimed->requested();
 }
 
 } // namespace fldc

@@ -1,10 +1,14 @@
 #pragma once
 
+#include <memory>
+
 namespace fldc {
+
+class Cancellation;
 
 /// Marks that an operation runs on this thread, for its life. Only the outermost is granted: what
 /// arrives from an event handler in the middle of an operation is refused, whichever manager it is
-/// called on, because the last error, the logs and the upgrade state are shared by the thread.
+/// called on, because the last error and the logs are shared by the thread.
 class OperationScope {
 public:
     OperationScope();
@@ -20,5 +24,13 @@ private:
 
 /// True while an operation runs on this thread.
 [[nodiscard]] bool operationRuns();
+
+/// Says which cancellation ends the running operation, until that ends.
+void claimOperation(std::shared_ptr<const Cancellation> cancellation);
+/// True while the operation runs that @p cancellation ends.
+[[nodiscard]] bool operationRunsFor(const Cancellation& cancellation);
+/// True when the running operation was cancelled: nobody waits for its outcome any more, and a
+/// question that it asks has nobody to answer it.
+[[nodiscard]] bool operationCancelled();
 
 } // namespace fldc

@@ -7,6 +7,7 @@
 #include "firmware/colFiles.h"
 #include "manager/IDownloadWindow.h"
 #include "manager/Operation.h"
+#include "platform/IMessageBox.h"
 #include "port/Cancellation.h"
 #include "port/IPort.h"
 #include "protocol/clsProtocol.h"
@@ -101,6 +102,19 @@ void clsDLManager::ReleaseWindow()
 void clsDLManager::cancelOperation()
 {
     m_cancellation->request();
+    if (operationRunsFor(*m_cancellation))
+        m_platform.messages.dismiss();
+}
+
+void clsDLManager::endOperations()
+{
+    m_cancellation->requestForGood();
+    cancelOperation();
+}
+
+UpgradeState clsDLManager::upgradeState() const
+{
+    return m_Protocol->upgradeState();
 }
 
 void clsDLManager::onDownloadProgress(std::int32_t lngPercentage, const QString& strCurrentfileName,

@@ -2,6 +2,7 @@
 
 #include "platform/Platform.h"
 #include "protocol/IProtocolEvents.h"
+#include "protocol/UpgradeState.h"
 #include "shared/Enumerations.h"
 #include "shared/LastError.h"
 
@@ -115,8 +116,14 @@ public:
 
     /// The window lets go of the manager while it unloads.
     void ReleaseWindow();
-    /// Ends the running operation at its next wait with code 1.
+    /// Ends the running operation of this manager at its next wait with code 1, and the message
+    /// boxes that it has open as if nobody had answered.
     void cancelOperation();
+    /// The same for good: every later operation ends with code 1, too, before anything is sent. For
+    /// a process that is about to end.
+    void endOperations();
+    /// What is known of the upgrade mode of this manager's radio.
+    [[nodiscard]] UpgradeState upgradeState() const;
     /// Takes back a task that has not started; nothing happens when none waits.
     void withdrawTask();
     /// True when the last download went through but some of its files were written nowhere, also
@@ -130,6 +137,8 @@ Q_SIGNALS:
     /// free, so that a handler may start the next operation.
     void ReportConfigurationsUpdate(const QString& strReportConfigurations);
     void PowerCycleRequired();
+    /// For the component only: a file of a list was left out or rejected; the last error says why.
+    void FileNotLoaded(const QString& path);
 
 private:
     struct Session;
@@ -173,6 +182,7 @@ private:
     void ensureWindow();
     void closeConnection();
     [[nodiscard]] IDownloadWindow& window() const;
+    [[nodiscard]] bool userPresent() const;
 
     // Tasks (clsDLManager_tasks.cpp)
     void RunAsyncTask();

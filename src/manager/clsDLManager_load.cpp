@@ -58,6 +58,8 @@ void clsDLManager::loadSteps(Session& session, const QStringList& paths, bool re
             readFile(path, files);
         else
             lastError().set(Code::FileDoesNotExist);
+        if (!lastError().ok())
+            Q_EMIT FileNotLoaded(path);
     }
     if (lastError().ok())
         OrderFilesForDownload(*files);
@@ -68,6 +70,7 @@ void clsDLManager::ValidFile(const QString& strFileName)
     const OperationScope operation;
     if (!operation.granted())
         return;
+    claimOperation(m_cancellation);
     if (!m_files)
         throw PlatformFailure(FailureNumber::ObjectNotSet);
     readFile(strFileName, m_files);

@@ -2,6 +2,7 @@
 #include "manager/Session.h"
 
 #include "app/services/LogState.h"
+#include "platform/IProgramInfo.h"
 #include "platform/ISerialControl.h"
 #include "port/Cancellation.h"
 #include "port/PortEnumeration.h"
@@ -61,7 +62,8 @@ void clsDLManager::choosePort(const QString& strPort, bool blnUI)
         const auto control = window->comSerialPort();
         m_port.reset(); // what is listed without a number ("no ports") is no port
         const std::int32_t number = PortNumber(strPort);
-        m_port = std::make_shared<clsSerial>(m_platform, m_cancellation);
+        m_port = std::make_shared<clsSerial>(m_platform, m_cancellation,
+                                             [this] { return userPresent(); });
         m_port->setPortType(control);
         m_port->ClosePort();
         control->setCommPort(number);
@@ -94,6 +96,13 @@ std::int16_t clsDLManager::SetUIMode(bool blnUIMode)
     }
     lastError() = before; // it belongs to an operation, one that runs or the one before
     return static_cast<std::int16_t>(code);
+}
+
+// Whether somebody can see that an operation goes on, and end it.
+bool clsDLManager::userPresent() const
+{
+    const IProgramInfo& program = m_platform.program;
+    return (m_uiMode && program.screenPresent()) || program.userAtTerminal();
 }
 
 void clsDLManager::showWindow(bool blnUI)

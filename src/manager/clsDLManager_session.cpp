@@ -1,8 +1,10 @@
+#include "manager/Operation.h"
 #include "manager/Session.h"
 
 #include "app/services/LogState.h"
 #include "firmware/clsFile.h"
 #include "firmware/colFiles.h"
+#include "platform/IEvents.h"
 #include "platform/IFileService.h"
 #include "platform/ISerialControl.h"
 #include "port/Cancellation.h"
@@ -55,13 +57,17 @@ bool clsDLManager::Session::openLine()
 
 clsDLManager::Session clsDLManager::beginSession()
 {
-    lastError().clear();
     m_cancellation->reset();
+    claimOperation(m_cancellation);
     Session session;
     session.heldWindow = m_window;
     session.heldPort = m_port;
     session.protocol = m_Protocol;
     session.radio = m_radio;
+    // What has come meanwhile, above all a request to end the program, counts before the first byte
+    // goes out.
+    m_platform.events.processPending();
+    lastError().clear();
     return session;
 }
 

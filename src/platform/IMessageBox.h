@@ -6,7 +6,8 @@ namespace fldc {
 
 enum class MessageKind { Information, Error };
 
-/// Message boxes with the application's title. Each call returns when the user has answered.
+/// Message boxes with the application's title. Each call returns when the user has answered, and
+/// serves events until then.
 class IMessageBox {
 public:
     virtual ~IMessageBox() = default;
@@ -15,6 +16,9 @@ public:
     virtual void show(const QString& text, MessageKind kind) = 0;
     /// Yes and No buttons; true for Yes. With nobody to ask the answer is No.
     [[nodiscard]] virtual bool askYesNo(const QString& text) = 0;
+    /// Closes what is open, as if nobody had answered. May be called from an event that is served
+    /// while a box is open. Boxes that wait for nobody have nothing to close.
+    virtual void dismiss() {}
 };
 
 } // namespace fldc

@@ -26,7 +26,8 @@ public:
     /// milliseconds without a byte. A marker of 4 digits selects word mode, in which *@p
     /// blnTerminatorFound is set true (never cleared) when the reply ended with the marker; any
     /// other length text mode. Returns what was received, empty on failure. Codes 42, 44 (more than
-    /// 50 busy marks in text mode, or a radio that never falls silent), 41, 15, 1.
+    /// 50 busy marks in text mode, or a device that goes on sending and never completes a reply),
+    /// 41, 15, 1.
     virtual QString ReadBinary(std::int16_t intTimeout, const QString& strExist,
                                bool* blnTerminatorFound = nullptr) = 0;
     /// Discards unread input and writes all of @p bytes. Codes 11, 12, 15, 1.

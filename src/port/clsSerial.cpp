@@ -27,9 +27,12 @@ constexpr auto resetTimeout = 2000ms;
 constexpr int maximumBusyMarks = 50;
 constexpr int unlimited = std::numeric_limits<int>::max();
 
-// The idle time-out restarts with every byte and every busy word, so a radio that never falls
-// silent could hold a read for ever. Nothing that a radio does takes this long.
-constexpr auto longestRead = 15min;
+// The idle time-out restarts with every byte, so that a device that never falls silent could hold a
+// read for ever. No reply is nearly as long.
+constexpr auto longestReply = 60s;
+constexpr int largestReply = 64 * 1024;
+// No flash takes longer to be erased.
+constexpr auto longestBusy = 15min;
 
 // Bytes taken before events are served again.
 constexpr int longestRun = 16;
@@ -67,8 +70,10 @@ void recordFailure(std::span<const FailureMeaning> meanings)
 
 } // namespace
 
-clsSerial::clsSerial(const Platform& platform, std::shared_ptr<const Cancellation> cancellation)
-    : m_platform(platform), m_cancellation(std::move(cancellation)), m_timer(m_platform.timers)
+clsSerial::clsSerial(const Platform& platform, std::shared_ptr<const Cancellation> cancellation,
+                     std::function<bool()> userPresent)
+    : m_platform(platform), m_cancellation(std::move(cancellation)),
+      m_userPresent(std::move(userPresent)), m_timer(m_platform.timers)
 {
 }
 
@@ -198,7 +203,9 @@ template <class Reply>
 bool clsSerial::receive(Reply& reply, milliseconds timeout, int busyMarksAllowed)
 {
     const auto line = control(); // held: a client may give the port another one meanwhile
-    const auto end = m_platform.clock.monotonic() + longestRead;
+    const auto start = m_platform.clock.monotonic();
+    auto latestBusy = start;
+    int bytes = 0; // since then
     bool dataSeen = false;
     int busyMarks = 0;
     while (!reply.finished()) {
@@ -207,9 +214,17 @@ bool clsSerial::receive(Reply& reply, milliseconds timeout, int busyMarksAllowed
             return false;
         dataSeen |= byte.has_value();
         const bool busy = byte && reply.take(*byte);
-        if (busy)
+        const auto now = m_platform.clock.monotonic();
+        if (busy) {
             ++busyMarks;
-        if (busyMarks > busyMarksAllowed || m_platform.clock.monotonic() > end)
+            latestBusy = now;
+            bytes = 0;
+        } else if (byte) {
+            ++bytes;
+        }
+        const bool noReply = now - latestBusy >= longestReply || bytes >= largestReply;
+        const bool tooBusy = now - start >= longestBusy && !userPresent();
+        if (busyMarks > busyMarksAllowed || (!reply.finished() && (noReply || tooBusy)))
             return fail(Code::MaximumTimeExceeded);
         const bool expired = m_timer.blnTimerExpired();
         if (expired && !(std::exchange(dataSeen, false) && Reply::bytesKeepAlive))

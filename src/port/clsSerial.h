@@ -5,6 +5,7 @@
 #include "port/modTimer.h"
 
 #include <chrono>
+#include <functional>
 #include <memory>
 #include <optional>
 
@@ -19,9 +20,16 @@ class Cancellation;
 /// A wait serves the thread's events and blocks until the next byte or timer. It ends at once with
 /// code 1 after a cancellation, and when the line fails. A port that was given no line fails as one
 /// that failed for an unknown reason: 15, waiting for the start-up byte 21.
+///
+/// A read also ends, with code 44, when 60 seconds or 64 KiB have passed since it began or since
+/// its last busy word without the reply being complete: whatever sends that is no radio, or none
+/// that speaks its protocol. A radio that says nothing but that it is busy (a long erasure) is
+/// waited for as long as a user is present, who sees it and can give up; without one, 15 minutes.
 class clsSerial final : public IPort {
 public:
-    clsSerial(const Platform& platform, std::shared_ptr<const Cancellation> cancellation);
+    /// @p userPresent is asked while a read goes on; empty: nobody is there.
+    clsSerial(const Platform& platform, std::shared_ptr<const Cancellation> cancellation,
+              std::function<bool()> userPresent = {});
 
     [[nodiscard]] QString PortName() const override;
     void OpenPort() override;
@@ -46,9 +54,11 @@ private:
     [[nodiscard]] const std::shared_ptr<ISerialControl>& control() const;
     [[nodiscard]] std::optional<std::uint8_t> nextByte(ISerialControl& line);
     [[nodiscard]] bool cancelled() const;
+    [[nodiscard]] bool userPresent() const { return m_userPresent && m_userPresent(); }
 
     Platform m_platform;
     std::shared_ptr<const Cancellation> m_cancellation;
+    std::function<bool()> m_userPresent;
     std::shared_ptr<ISerialControl> m_control;
     modTimer m_timer;
     int m_runLeft = 0; ///< bytes that may be taken before events are served

@@ -24,8 +24,9 @@ public:
     /// Progress, 0 to 100.
     virtual void setProgressBar(std::int16_t intValue) = 0;
     virtual void ResetProgessBar() = 0;
-    /// Fills the configuration list.
-    virtual void UpdateLabels(const colConfigurations& configurations) = 0;
+    /// Fills the configuration list. @p blnF1KeyRequired: of a radio that is power-cycled with its
+    /// F1 key held only types and codes are shown.
+    virtual void UpdateLabels(const colConfigurations& configurations, bool blnF1KeyRequired) = 0;
 };
 
 } // namespace fldc

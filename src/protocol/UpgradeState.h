@@ -6,7 +6,7 @@
 
 namespace fldc {
 
-/// What the protocol remembers of the radio's upgrade mode; one set per thread.
+/// What a protocol object remembers of its radio's upgrade mode.
 struct UpgradeState {
     /// 0: normal log-on. 10: special log-on after a power cycle.
     std::int32_t lngUpgradeMode = 0;
@@ -15,12 +15,6 @@ struct UpgradeState {
 
     [[nodiscard]] bool special() const { return lngUpgradeMode == 10; }
 };
-
-[[nodiscard]] inline UpgradeState& upgradeState()
-{
-    thread_local UpgradeState state;
-    return state;
-}
 
 /// What a user is asked to do when the radio must be power-cycled.
 [[nodiscard]] inline QString powerCycleRequest(bool blnF1KeyRequired)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "protocol/UpgradeState.h"
 #include "protocol/wire/Commands.h"
 
 #include <QByteArray>
@@ -47,6 +48,8 @@ public:
 
     /// 0: normal log-on; anything else: special log-on after a power cycle.
     void SetUpgradeMode(std::int16_t Value);
+    /// What the next log-on goes by, and what the last one or the last query found out.
+    [[nodiscard]] const UpgradeState& upgradeState() const { return m_upgrade; }
     /// Resets the radio and logs it on at 19200 baud. On success @p blnUARequired says whether the
     /// upgrade application must be sent and @p strUAFile is then its path. @p blnUIMode: a user is
     /// present. Codes 1 (given up), 21, 22, 42, 9011.
@@ -145,6 +148,7 @@ private:
     IProtocolEvents& m_events;
     IWaitDialogFactory& m_dialogs;
 
+    UpgradeState m_upgrade;
     QString m_previousBaudRate;
     QString strReply;            ///< hex text of the last reply read
     bool blnRetry = false;       ///< the radio reported a fault that a repeat may cure

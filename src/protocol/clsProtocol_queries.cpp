@@ -7,7 +7,6 @@
 #include "protocol/ConfigurationKinds.h"
 #include "protocol/IProtocolEvents.h"
 #include "protocol/IProtocolWindow.h"
-#include "protocol/UpgradeState.h"
 #include "protocol/wire/FlashLayout.h"
 #include "protocol/wire/Frames.h"
 #include "protocol/wire/Replies.h"
@@ -84,8 +83,8 @@ void clsProtocol::GetConfiguration(IProtocolWindow& UIForm, IPort& port, clsRadi
     const auto configurations = radio.Configurations();
     const bool debug = ReadSetting(m_platform.settings, debugSetting, settingOff) == settingOn;
     if (ClassifyConfigurations(*configurations, debug))
-        upgradeState().blnF1KeyRequired = true;
-    UIForm.UpdateLabels(*configurations);
+        m_upgrade.blnF1KeyRequired = true;
+    UIForm.UpdateLabels(*configurations, m_upgrade.blnF1KeyRequired);
     logConfigurations(*configurations);
     if (!UIForm.UIDisplay())
         strFiles = reportText(*configurations);

@@ -11,7 +11,6 @@
 #include "protocol/IProtocolEvents.h"
 #include "protocol/IProtocolWindow.h"
 #include "protocol/IWaitDialog.h"
-#include "protocol/UpgradeState.h"
 #include "protocol/wire/BootFiles.h"
 #include "protocol/wire/Frames.h"
 #include "protocol/wire/LineSpeeds.h"
@@ -43,7 +42,7 @@ bool setSpeed(IPort& port, std::uint32_t speed)
 
 void clsProtocol::SetUpgradeMode(std::int16_t Value)
 {
-    upgradeState().lngUpgradeMode = Value != 0 ? 10 : 0;
+    m_upgrade.lngUpgradeMode = Value != 0 ? 10 : 0;
 }
 
 void clsProtocol::LogRadioIntoUpgradeMode(IProtocolWindow& UIForm, IPort& port, QString& strUAFile,
@@ -55,8 +54,7 @@ void clsProtocol::LogRadioIntoUpgradeMode(IProtocolWindow& UIForm, IPort& port, 
     if (!lastError().ok() || blnInUpgradeMode)
         return;
 
-    port.WriteBinary(
-        HexToBytes(QStringView(upgradeState().special() ? specialLogOn : normalLogOn)));
+    port.WriteBinary(HexToBytes(QStringView(m_upgrade.special() ? specialLogOn : normalLogOn)));
     if (!lastError().ok())
         return;
 
@@ -95,19 +93,19 @@ void clsProtocol::ResetAndWaitForRadio(IPort& port, bool& blnUARequired, bool& b
 {
     try {
         blnUARequired = false;
-        upgradeState().blnF1KeyRequired = false;
+        m_upgrade.blnF1KeyRequired = false;
         if (!setSpeed(port, 19200))
             return;
-        if (!upgradeState().special() && resetAtEitherSpeed(port, blnUARequired))
+        if (!m_upgrade.special() && resetAtEitherSpeed(port, blnUARequired))
             return;
         // The port failed, or the radio is silent: then it may be in upgrade mode already.
         if (!lastError().ok() && lastError().code() != Code::RadioDidNotReset)
             return;
 
-        const bool powerCycle = upgradeState().special() || upgradeState().blnF1KeyRequired;
+        const bool powerCycle = m_upgrade.special() || m_upgrade.blnF1KeyRequired;
         if (powerCycle && !waitForPowerCycle(port, blnUARequired, blnUIMode))
             return;
-        if (!upgradeState().blnF1KeyRequired && lastError().ok())
+        if (!m_upgrade.blnF1KeyRequired && lastError().ok())
             return;
         FindRadioBaudRate(port, blnUARequired, blnInUpgradeMode);
     } catch (...) {
@@ -130,25 +128,27 @@ bool clsProtocol::resetAtEitherSpeed(IPort& port, bool& blnUARequired)
     port.ResetRadio();
     port.WaitForReset(blnUARequired, false);
     const bool answered = lastError().ok();
-    upgradeState().blnF1KeyRequired = answered;
+    m_upgrade.blnF1KeyRequired = answered;
     if (setSpeed(port, 19200) && !answered)
         lastError().set(Code::RadioDidNotReset);
     return false;
 }
 
 // False when the operation ends here: the user gave up (1), nobody power-cycled the radio in time
-// (21), or the port failed.
+// (21), or the port had not come back by then (its code). A dialog that no screen shows would wait
+// for ever.
 bool clsProtocol::waitForPowerCycle(IPort& port, bool& blnUARequired, bool blnUIMode)
 {
-    return blnUIMode ? waitForPowerCycleByUser(port, blnUARequired)
-                     : waitForPowerCycleUnattended(port, blnUARequired);
+    return blnUIMode && m_platform.program.screenPresent()
+               ? waitForPowerCycleByUser(port, blnUARequired)
+               : waitForPowerCycleUnattended(port, blnUARequired);
 }
 
 bool clsProtocol::waitForPowerCycleByUser(IPort& port, bool& blnUARequired)
 {
     const auto dialog = m_dialogs.createWaitDialog();
     dialog->Show();
-    dialog->SetMessage(powerCycleRequest(upgradeState().blnF1KeyRequired));
+    dialog->SetMessage(powerCycleRequest(m_upgrade.blnF1KeyRequired));
     while (radioStillSilent(port, blnUARequired) && !dialog->IsCancelled()) {
     }
     dialog->Hide();
@@ -169,21 +169,23 @@ bool clsProtocol::waitForPowerCycleUnattended(IPort& port, bool& blnUARequired)
     return lastError().ok();
 }
 
-// One wait of 2 seconds for the radio's start-up byte. A line that failed meanwhile (an adapter
-// that loses its power with the radio) is opened again; when that fails too, the port's code ends
-// the waiting.
+// One wait of 2 seconds for the radio's start-up byte; only a cancellation ends the waiting here. A
+// line that failed meanwhile is opened again. An adapter that loses its power with the radio takes
+// a while to come back: its device is missing at first, then may still be closed to this user, or
+// in the hands of a service that looks what has been plugged in.
 bool clsProtocol::radioStillSilent(IPort& port, bool& blnUARequired)
 {
     const auto start = m_platform.clock.monotonic();
-    port.WaitForReset(blnUARequired, upgradeState().blnF1KeyRequired);
+    port.WaitForReset(blnUARequired, m_upgrade.blnF1KeyRequired);
     if (lastError().code() != Code::RadioDidNotReset)
         return false;
     if (m_platform.clock.monotonic() - start >= shortestSilence)
         return true;
-    if (!setSpeed(port, 19200))
+    if (!setSpeed(port, 19200) && lastError().code() == Code::UserCancelled)
         return false;
+    const Code code = lastError().ok() ? Code::RadioDidNotReset : lastError().code();
     m_platform.events.pause(500ms);
-    lastError().set(Code::RadioDidNotReset);
+    lastError().set(code);
     return true;
 }
 

@@ -3,7 +3,6 @@
 #include "app/services/LogState.h"
 #include "firmware/clsFile.h"
 #include "protocol/IWaitDialog.h"
-#include "protocol/UpgradeState.h"
 #include "support/VirtualPlatform.h"
 #include "ui/logic/DownloadWindow.h"
 
@@ -61,7 +60,6 @@ protected:
     ManagerTest()
     {
         lastError() = {};
-        upgradeState() = {};
         machine.settings.values[QStringLiteral("Debug")] = QStringLiteral("True");
         addFile("a.srec", firmware("JHA2F"));
     }
@@ -545,9 +543,9 @@ TEST_F(ManagerTest, BaudRateAccessLevelAndMessages)
     EXPECT_EQ(windows.latest->baudRateIndex(), 2);
     manager->setAccessLevel(UNLIMITED_ACCESS);
     manager->setAccessLevel(static_cast<enmAccessLevel>(5));
-    EXPECT_TRUE(upgradeState().special());
+    EXPECT_TRUE(manager->upgradeState().special());
     manager->setAccessLevel(DEFAULT_ACCESS);
-    EXPECT_FALSE(upgradeState().special());
+    EXPECT_FALSE(manager->upgradeState().special());
     manager->setRadioType(RH6100);
     EXPECT_EQ(manager->RadioType(), RH6100);
     EXPECT_THROW((void)manager->FormatMessage(3), PlatformFailure);

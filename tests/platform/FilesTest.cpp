@@ -87,19 +87,25 @@ TEST_F(FilesTest, ReadsWholeContentAndFailsWithTheSystemsNumbers)
                          qsizetype(full->bytes().size())),
               content);
     EXPECT_TRUE(files.read(path(u"empty"_s))->bytes().empty());
-    EXPECT_FALSE(files.read(u"/proc/self/stat"_s)->bytes().empty()); // can't be mapped
+    EXPECT_FALSE(files.read(u"/proc/self/stat"_s)->bytes().empty()); // has no size
+    // Cut short by another program while it is in use.
+    ASSERT_EQ(::truncate(path(u"full"_s).toLocal8Bit().constData(), 0), 0);
+    EXPECT_EQ(full->bytes().back(), 'z');
 
     const QString missing = path(u"missing"_s);
     const std::vector<std::pair<int, std::function<void()>>> cases{
         {ENOENT, [&] { static_cast<void>(files.read(missing)); }},
         {EISDIR, [&] { static_cast<void>(files.read(folder.path())); }},
         {EINVAL, [&] { static_cast<void>(files.read(pipe)); }},
+        {EINVAL, [&] { static_cast<void>(files.openForAppending(pipe)); }},
+        {EINVAL, [&] { static_cast<void>(files.openForWriting(pipe)); }},
+        {EINVAL, [&] { static_cast<void>(files.openForWriting(u"/dev/full"_s)); }},
+        {EINVAL, [&] { files.checkWritable(pipe); }},
         {ENOENT, [&] { files.checkWritable(missing); }},
         {ENOENT, [&] { static_cast<void>(files.lastModified(missing)); }},
         {ENOENT, [&] { files.copy(missing, path(u"to"_s)); }},
         {ENOENT, [&] { files.remove(missing); }},
         {EISDIR, [&] { files.remove(folder.path()); }},
-        {ENOSPC, [&] { files.openForWriting(u"/dev/full"_s)->write("x"); }},
     };
     for (std::size_t i = 0; i < cases.size(); ++i)
         EXPECT_EQ(failureNumber(cases[i].second), cases[i].first) << i;
@@ -123,10 +129,40 @@ TEST_F(FilesTest, SettingsReadPlainTextOnly)
         EXPECT_EQ(SettingsFile(place).readText(u"Debug"_s), std::nullopt);
 }
 
+TEST_F(FilesTest, SettingsChangeOneLineAndKeepTheRest)
+{
+    const QString name = path(u"s.conf"_s);
+    const QByteArray ports = "; pinned\n[Ports]\nCOM3=/dev/x ; the lab\nLastFile=not this\n";
+    const struct {
+        QByteArray before, after;
+    } cases[]{
+        {"", "[General]\nLastFile=\"n\"\n"},
+        {"; mine\n[General] ; all\n# Debug=1\nDebug=True\n\n" + ports,
+         "; mine\n[General] ; all\nLastFile=\"n\"\n# Debug=1\nDebug=True\n\n" + ports},
+        {"[general]\r\nLastFile = a ; was\r\nDebug=\"x;\nLastFile=y\"\r\n" + ports,
+         "[general]\r\nLastFile =\"n\"; was\r\nDebug=\"x;\nLastFile=y\"\r\n" + ports},
+        {"LastFile=first\n" + ports + "[General]\nLastFile=a\\\n b",
+         "LastFile=first\n" + ports + "[General]\nLastFile=\"n\""},
+        {ports + "x", ports + "x\n\n[General]\nLastFile=\"n\"\n"},
+        {"[General]", "[General]\nLastFile=\"n\"\n"},
+    };
+    for (const auto& each : cases) {
+        put(name, each.before);
+        SettingsFile(name).writeText(u"LastFile"_s, u"n"_s);
+        EXPECT_EQ(onDisk(name), each.after);
+        EXPECT_EQ(SettingsFile(name).readText(u"LastFile"_s), u"n"_s);
+    }
+    for (const auto& text : {u"o"_s, u"p"_s, u"q"_s}) { // of one size, within one tick of the clock
+        SettingsFile(name).writeText(u"LastFile"_s, text);
+        EXPECT_EQ(SettingsFile(name).readText(u"LastFile"_s), text);
+    }
+}
+
 TEST_F(FilesTest, SettingsAreStoredOrTheFailureIsTold)
 {
     const QString name = path(u"new/folder/s.conf"_s);
-    for (const auto& text : {u"C:\\fw\\a,b.srec"_s, u"@home \u00fc;#=\""_s, u""_s, u"before"_s}) {
+    for (const auto& text :
+         {u"C:\\fw\\a,b.srec"_s, u"@home \u00fc;#=\"\u20ac\n\tface"_s, u""_s, u"before"_s}) {
         SettingsFile(name).writeText(u"LastFile"_s, text);
         EXPECT_EQ(SettingsFile(name).readText(u"LastFile"_s), text);
     }
@@ -144,6 +180,7 @@ TEST_F(FilesTest, SettingsAreStoredOrTheFailureIsTold)
     ::signal(SIGXFSZ, SIG_IGN);
     ::setrlimit(RLIMIT_FSIZE, &none);
     EXPECT_NE(failureNumber([&] { SettingsFile(name).writeText(u"LastFile"_s, u"after"_s); }), 0);
+    EXPECT_EQ(failureNumber([&] { files.openForWriting(path(u"log"_s))->write("x"); }), EFBIG);
     EXPECT_EQ(SettingsFile(name).readText(u"LastFile"_s), u"before"_s);
     ::setrlimit(RLIMIT_FSIZE, &limit);
 }

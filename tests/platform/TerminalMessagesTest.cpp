@@ -19,7 +19,7 @@ TEST(TerminalMessages, OnlyAYesTypedAtTheQuestionIsYes)
     const PseudoTerminal user;
     const FileDescriptor terminal = user.openNearEnd();
     TerminalMessages messages(terminal.get(), terminal.get(), terminal.get());
-    const SignalWatch watch([] {});
+    const SignalWatch watch([&] { messages.dismiss(); });
     const pthread_t asker = ::pthread_self();
     for (const auto& [typed, expected] : {std::pair("y\n", true),
                                           {" Yes \n", true},

@@ -36,7 +36,8 @@ protected:
 
     VirtualPlatform machine;
     std::shared_ptr<Cancellation> cancellation = std::make_shared<Cancellation>();
-    clsSerial port{machine.platform, cancellation};
+    bool userPresent = false;
+    clsSerial port{machine.platform, cancellation, [this] { return userPresent; }};
 };
 
 } // namespace fldc

@@ -86,9 +86,27 @@ INSTANTIATE_TEST_SUITE_P(
         WaitCase{repeated(50, "<400 AE AE\n") + u"< 2A"_s, u"2A", 0, 20001},
         WaitCase{repeated(51, "<400 AE AE\n") + u"< 2A"_s, u"2A", 44, 20400},
         WaitCase{repeated(60, "<400 AE AE\n") + u"< AF AF"_s, u"AFAF", 0, 24001},
-        // Nothing lasts longer than a quarter of an hour.
-        WaitCase{repeated(2400, "<400 AE AE\n"), u"AFAF", 44, 900400},
-        WaitCase{repeated(2400, "<400 00\n"), u"2A", 44, 900400}));
+        // A device that goes on sending has no reply to give.
+        WaitCase{repeated(200, "<400 00\n"), u"AFAF", 44, 60000},
+        WaitCase{repeated(200, "<400 00\n"), u"2A", 44, 60000},
+        WaitCase{u"< "_s + u"00"_s.repeated(65'535) + u" 2A"_s, u"2A", 0, 1},
+        WaitCase{u"< "_s + u"00"_s.repeated(65'536) + u" 2A"_s, u"2A", 44, 1},
+        WaitCase{u"< "_s + u"00"_s.repeated(65'534) + u"\n<400 AE AE\n"_s +
+                     repeated(200, "<400 00\n"),
+                 u"AFAF", 44, 60401},
+        // Nobody is there to give up a radio that is busy.
+        WaitCase{repeated(2400, "<400 AE AE\n"), u"AFAF", 44, 900000}));
+
+TEST_F(PortTest, ABusyRadioIsAwaitedAsLongAsAUserIsThere)
+{
+    open();
+    userPresent = true;
+    after(2'400'000, [this] { userPresent = false; });
+    line().play(repeated(8000, "<400 AE AE\n"));
+    port.ReadBinary(500, u"AFAF"_s, nullptr);
+    EXPECT_EQ(code(), 44);
+    EXPECT_EQ(now(), 2'400'000);
+}
 
 // ---- The start-up byte ----------------------------------------------------------------------
 

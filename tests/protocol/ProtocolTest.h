@@ -5,7 +5,6 @@
 #include "protocol/IProtocolEvents.h"
 #include "protocol/IProtocolWindow.h"
 #include "protocol/IWaitDialog.h"
-#include "protocol/UpgradeState.h"
 #include "protocol/clsProtocol.h"
 #include "radio/clsRadio.h"
 #include "shared/LastError.h"
@@ -31,7 +30,7 @@ public:
     void setFileNameTextBox(const QString& text) override { fileNames.append(text); }
     void setProgressBar(std::int16_t value) override { progress.push_back(value); }
     void ResetProgessBar() override { progress.clear(); }
-    void UpdateLabels(const colConfigurations& /*configurations*/) override { ++listsShown; }
+    void UpdateLabels(const colConfigurations& /*configurations*/, bool) override { ++listsShown; }
 };
 
 /// A user at the wait dialog, and the listener of the protocol's events.
@@ -70,7 +69,6 @@ public:
     {
         port.setPortType(machine.lines.line);
         protocol.setPreviousBaudRate(QStringLiteral("19200"));
-        upgradeState() = {};
         lastError().clear();
     }
 

@@ -59,11 +59,15 @@ public:
 class FakeProgram final : public IProgramInfo {
 public:
     std::chrono::milliseconds limit = std::chrono::minutes(5);
+    bool screen = true;
+    bool terminal = false;
 
     [[nodiscard]] QString folder() const override { return QStringLiteral("C:\\Tools"); }
     [[nodiscard]] QString title() const override { return QStringLiteral("Title"); }
     [[nodiscard]] ProgramVersion version() const override { return {1, 21, 0}; }
     [[nodiscard]] std::uint64_t threadId() const override { return 4711; }
+    [[nodiscard]] bool screenPresent() const override { return screen; }
+    [[nodiscard]] bool userAtTerminal() const override { return terminal; }
     [[nodiscard]] std::chrono::milliseconds powerCycleLimit() const override { return limit; }
 };
 

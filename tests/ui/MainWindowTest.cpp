@@ -1,6 +1,5 @@
 #include "WindowTest.h"
 
-#include "protocol/UpgradeState.h"
 #include "shared/LastError.h"
 
 #include <QAbstractButton>
@@ -222,10 +221,8 @@ TEST_F(MainWindowTest, ColumnsFollowTheReportAndTheUser)
     EXPECT_EQ(columnWidths(*list), (std::array{120, 187, 100, 100, 38}));
     fill({QStringLiteral("SHA2A"), QStringLiteral("JVA1G")}, "00");
     EXPECT_EQ(columnWidths(*list), (std::array{120, 187, 238, 0, 0}));
-    upgradeState().blnF1KeyRequired = true;
-    fill({QStringLiteral("JVA1G")}, "0");
+    fill({QStringLiteral("JVA1G")}, "0", 0, true);
     EXPECT_EQ(columnWidths(*list), (std::array{120, 425, 0, 0, 0}));
-    upgradeState().blnF1KeyRequired = false;
     fill({QStringLiteral("jVA1G"), QStringLiteral("JVA2G")}, "00");
     EXPECT_EQ(columnWidths(*list), (std::array{120, 187, 100, 100, 38}));
 

@@ -1,7 +1,5 @@
 #include "WindowTest.h"
 
-#include "protocol/UpgradeState.h"
-
 #include <QAbstractButton>
 #include <QApplication>
 #include <QLabel>
@@ -12,7 +10,6 @@ namespace fldc {
 
 WindowTest::WindowTest()
 {
-    upgradeState() = {};
     machine.settings.values[QStringLiteral("Debug")] = QStringLiteral("True");
 }
 
@@ -61,7 +58,8 @@ void WindowTest::play(std::initializer_list<const char*> pieces) const
         machine.line().play(piece);
 }
 
-void WindowTest::fill(const QStringList& codes, const char* erasable, std::int32_t status) const
+void WindowTest::fill(const QStringList& codes, const char* erasable, std::int32_t status,
+                      bool f1KeyRequired) const
 {
     colConfigurations configurations;
     for (const QString& code : codes) {
@@ -73,7 +71,7 @@ void WindowTest::fill(const QStringList& codes, const char* erasable, std::int32
         added->setBlnCanBeErased(erasable[configurations.Count() - 1] == '1');
         added->setStatus(status);
     }
-    window.lock()->UpdateLabels(configurations);
+    window.lock()->UpdateLabels(configurations, f1KeyRequired);
 }
 
 QString WindowTest::status() const

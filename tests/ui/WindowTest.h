@@ -89,7 +89,8 @@ protected:
     void clickRow(int row) const;
     void play(std::initializer_list<const char*> pieces) const;
     /// Rows of type, code, hardware; @p erasable: digits 1 and 0 by row; @p status likewise.
-    void fill(const QStringList& codes, const char* erasable, std::int32_t status = 0) const;
+    void fill(const QStringList& codes, const char* erasable, std::int32_t status = 0,
+              bool f1KeyRequired = false) const;
     [[nodiscard]] QString status() const;
     /// Names of those of the three buttons and the port list that are enabled.
     [[nodiscard]] QString enabled() const;

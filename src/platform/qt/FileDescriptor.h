@@ -51,6 +51,16 @@ private:
     int m_descriptor = -1;
 };
 
+/// True for a terminal that this process may read without being stopped: one in whose foreground it
+/// runs, or one that controls no processes.
+[[nodiscard]] inline bool inForegroundOf(int terminal) noexcept
+{
+    if (::isatty(terminal) == 0)
+        return false;
+    const pid_t foreground = ::tcgetpgrp(terminal);
+    return foreground == -1 || foreground == ::getpgrp();
+}
+
 /// Writes all of @p bytes to a blocking descriptor. Returns 0 or an errno.
 [[nodiscard]] inline int writeAll(int descriptor, std::string_view bytes) noexcept
 {

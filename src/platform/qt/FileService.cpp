@@ -24,13 +24,28 @@ QString nativePath(const QString& path)
     return QString(path).replace(u'\\', u'/');
 }
 
+void throwUnlessRegular(const struct stat& status, const QString& path)
+{
+    if (S_ISDIR(status.st_mode))
+        throw PlatformFailure::fromErrno(EISDIR, path);
+    if (!S_ISREG(status.st_mode))
+        throw PlatformFailure(EINVAL, path + QStringLiteral(": not a regular file"));
+}
+
+/// Opens a regular file. It is looked at before, because opening alone can do something to a
+/// device, and afterwards, because another may stand in its place by then; a named pipe can't hold
+/// up the opening.
 FileDescriptor openFile(const QString& path, int flags)
 {
     const QByteArray name = QFile::encodeName(nativePath(path));
-    FileDescriptor file(
-        uninterrupted([&] { return ::open(name.constData(), flags | O_CLOEXEC, 0666); }));
-    if (!file.valid())
+    struct stat status {};
+    if (::stat(name.constData(), &status) == 0)
+        throwUnlessRegular(status, path);
+    FileDescriptor file(uninterrupted(
+        [&] { return ::open(name.constData(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666); }));
+    if (!file.valid() || ::fstat(file.get(), &status) == -1)
         throw PlatformFailure::fromErrno(errno, path);
+    throwUnlessRegular(status, path);
     return file;
 }
 
@@ -65,33 +80,28 @@ private:
     QString m_path;
 };
 
+/// The bytes that the file had when it was opened, or fewer when it is cut short while it is read.
 class FileContent final : public IFileContent {
 public:
-    FileContent(FileDescriptor file, const QString& path) : m_descriptor(std::move(file))
+    FileContent(FileDescriptor descriptor, const QString& path)
     {
-        // Not buffered: QFile's own buffer would only copy what is mapped or read in one piece.
-        if (!m_file.open(m_descriptor.get(), QIODevice::ReadOnly | QIODevice::Unbuffered))
-            throw PlatformFailure(EIO, path + QStringLiteral(": ") + m_file.errorString());
-        const qint64 size = m_file.size();
-        const uchar* mapped = size > 0 ? m_file.map(0, size) : nullptr;
-        if (mapped != nullptr) {
-            m_bytes = {mapped, static_cast<std::size_t>(size)};
-            return;
-        }
-        m_read = m_file.readAll();
-        if (m_file.error() != QFileDevice::NoError)
-            throw PlatformFailure(EIO, path + QStringLiteral(": ") + m_file.errorString());
-        m_bytes = {reinterpret_cast<const std::uint8_t*>(m_read.constData()),
-                   static_cast<std::size_t>(m_read.size())};
+        QFile file;
+        // Not buffered: QFile's own buffer would only copy what is read in one piece.
+        if (!file.open(descriptor.get(), QIODevice::ReadOnly | QIODevice::Unbuffered))
+            throw PlatformFailure(EIO, path + QStringLiteral(": ") + file.errorString());
+        m_bytes = file.readAll();
+        if (file.error() != QFileDevice::NoError)
+            throw PlatformFailure(EIO, path + QStringLiteral(": ") + file.errorString());
     }
 
-    [[nodiscard]] std::span<const std::uint8_t> bytes() const override { return m_bytes; }
+    [[nodiscard]] std::span<const std::uint8_t> bytes() const override
+    {
+        return {reinterpret_cast<const std::uint8_t*>(m_bytes.constData()),
+                static_cast<std::size_t>(m_bytes.size())};
+    }
 
 private:
-    FileDescriptor m_descriptor;
-    QFile m_file;
-    QByteArray m_read;
-    std::span<const std::uint8_t> m_bytes;
+    QByteArray m_bytes;
 };
 
 } // namespace
@@ -121,16 +131,7 @@ void FileService::checkWritable(const QString& path)
 
 std::unique_ptr<IFileContent> FileService::read(const QString& path)
 {
-    // Not blocking, so that a named pipe without a writer is refused instead of waited for.
-    FileDescriptor file = openFile(path, O_RDONLY | O_NONBLOCK);
-    struct stat status {};
-    if (::fstat(file.get(), &status) == -1)
-        throw PlatformFailure::fromErrno(errno, path);
-    if (S_ISDIR(status.st_mode))
-        throw PlatformFailure::fromErrno(EISDIR, path);
-    if (!S_ISREG(status.st_mode))
-        throw PlatformFailure(EINVAL, path + QStringLiteral(": not a regular file"));
-    return std::make_unique<FileContent>(std::move(file), path);
+    return std::make_unique<FileContent>(openFile(path, O_RDONLY), path);
 }
 
 QDate FileService::lastModified(const QString& path)

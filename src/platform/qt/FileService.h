@@ -5,15 +5,15 @@
 namespace fldc {
 
 /// The files of this machine. "In use" is an advisory lock (flock) that openForAppending() holds
-/// until the file is closed; a file system without locks counts every file as free.
+/// until the file is closed; a file system without locks counts every file as free. What is read or
+/// written is a regular file: a named pipe or a device in its place is refused at once (EINVAL).
 class FileService final : public IFileService {
 public:
     [[nodiscard]] bool exists(const QString& path) override;
     [[nodiscard]] std::unique_ptr<IOutputFile> openForAppending(const QString& path) override;
     [[nodiscard]] std::unique_ptr<IOutputFile> openForWriting(const QString& path) override;
     void checkWritable(const QString& path) override;
-    /// Maps the file where the file system can; else reads it. Regular files only. The file must
-    /// not be made shorter while the content is in use.
+    /// Into memory, and not mapped: another program may cut the file short meanwhile.
     [[nodiscard]] std::unique_ptr<IFileContent> read(const QString& path) override;
     [[nodiscard]] QDate lastModified(const QString& path) override;
     /// Replaces @p to when it exists.

@@ -1,9 +1,14 @@
 #include "platform/qt/ProgramInfo.h"
 
+#include "platform/qt/FileDescriptor.h"
+
 #include <QCoreApplication>
 #include <QDir>
+#include <QStringList>
+#include <QVariant>
 
-#include <unistd.h>
+#include <algorithm>
+#include <array>
 
 namespace fldc {
 
@@ -30,6 +35,23 @@ ProgramVersion ProgramInfo::version() const
 std::uint64_t ProgramInfo::threadId() const
 {
     return static_cast<std::uint64_t>(::gettid());
+}
+
+bool ProgramInfo::screenPresent() const
+{
+    // A property, because only programs with windows link the library that knows it.
+    static const QStringList invisible{QStringLiteral("offscreen"), QStringLiteral("minimal"),
+                                       QStringLiteral("minimalegl")};
+    const QCoreApplication* application = QCoreApplication::instance();
+    const QString platform =
+        application ? application->property("platformName").toString() : QString();
+    return !platform.isEmpty() && !invisible.contains(platform);
+}
+
+bool ProgramInfo::userAtTerminal() const
+{
+    return std::ranges::any_of(std::array{STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO},
+                               inForegroundOf);
 }
 
 std::chrono::milliseconds ProgramInfo::powerCycleLimit() const

@@ -12,6 +12,9 @@ public:
     [[nodiscard]] QString title() const override;
     [[nodiscard]] ProgramVersion version() const override;
     [[nodiscard]] std::uint64_t threadId() const override;
+    /// Goes by the platform that Qt has got; false in a program without Qt's windows.
+    [[nodiscard]] bool screenPresent() const override;
+    [[nodiscard]] bool userAtTerminal() const override;
     [[nodiscard]] std::chrono::milliseconds powerCycleLimit() const override;
 };
 

@@ -17,7 +17,8 @@ public:
     explicit SettingsFile(QString path = defaultPath());
 
     [[nodiscard]] std::optional<QString> readText(const QString& name) override;
-    /// Creates the file, and its folder, when they are missing.
+    /// Changes the one line, or adds it; everything else in the file stays as it is, comments
+    /// included. Creates the file, and its folder, when they are missing.
     void writeText(const QString& name, const QString& value) override;
 
     /// All plain text values of the section @p section, by name.

@@ -1,6 +1,13 @@
 #include "platform/qt/TerminalMessages.h"
 
 #include "platform/qt/FileDescriptor.h"
+#include "platform/qt/QtEvents.h"
+
+#include <QScopedValueRollback>
+#include <QSocketNotifier>
+
+#include <algorithm>
+#include <array>
 
 #include <termios.h>
 
@@ -25,11 +32,13 @@ TerminalMessages::TerminalMessages(int input, int output, int error)
 
 void TerminalMessages::show(const QString& text, MessageKind kind)
 {
+    startText();
     print(kind == MessageKind::Information ? m_output : m_error, text + u'\n');
 }
 
 bool TerminalMessages::askYesNo(const QString& text)
 {
+    startText();
     const bool canAnswer = somebodyCanAnswer();
     const int screen = !::isatty(m_error) && ::isatty(m_output) ? m_output : m_error;
     if (!canAnswer) {
@@ -44,23 +53,36 @@ bool TerminalMessages::askYesNo(const QString& text)
 
 bool TerminalMessages::somebodyCanAnswer() const
 {
-    if (!::isatty(m_input) || !(::isatty(m_error) || ::isatty(m_output)))
-        return false;
     // Reading from a background job would stop the process.
-    const pid_t foreground = ::tcgetpgrp(m_input);
-    return foreground == -1 || foreground == ::getpgrp();
+    return !m_asking && (::isatty(m_error) || ::isatty(m_output)) && inForegroundOf(m_input);
 }
 
-QByteArray TerminalMessages::readLine() const
+void TerminalMessages::startText()
+{
+    if (m_endLine)
+        m_endLine();
+    if (m_asking)
+        print(m_error, QStringLiteral("\n"));
+}
+
+// One line, without its end; empty when the input ended before, or the question was dismissed.
+QByteArray TerminalMessages::readLine()
 {
     QByteArray line;
-    char character = 0;
-    // Not repeated after a signal: SIGINT at the question means No.
-    while (::read(m_input, &character, 1) == 1) {
-        if (character == '\n')
-            return line;
-        line.append(character);
-    }
+    bool inputEnded = false;
+    QSocketNotifier typed(m_input, QSocketNotifier::Read);
+    QObject::connect(&typed, &QSocketNotifier::activated, &typed, [&] {
+        std::array<char, 256> characters{};
+        const ssize_t count = ::read(m_input, characters.data(), characters.size());
+        inputEnded = count == 0 || (count == -1 && errno != EINTR && errno != EAGAIN);
+        line.append(characters.data(), std::max<ssize_t>(count, 0));
+    });
+    m_dismissed = false;
+    const QScopedValueRollback asking(m_asking, true);
+    while (!line.contains('\n') && !inputEnded && !m_dismissed)
+        QtEvents().waitForEvents();
+    if (line.contains('\n'))
+        return line.left(line.indexOf('\n'));
     print(m_error, QStringLiteral("\n"));
     return {};
 }

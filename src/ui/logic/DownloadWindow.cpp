@@ -7,12 +7,13 @@
 #include "platform/ISerialControl.h"
 #include "platform/Platform.h"
 #include "port/PortEnumeration.h"
-#include "protocol/UpgradeState.h"
 #include "shared/DisplayTexts.h"
+#include "shared/LastError.h"
 #include "shared/NumberText.h"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace fldc {
 
@@ -119,11 +120,15 @@ void DownloadWindow::selectPort(int index)
 {
     if (index == m_portIndex)
         return;
-    m_portIndex = index;
-    m_portText = m_ports.at(index);
+    const int indexBefore = std::exchange(m_portIndex, index);
+    const QString textBefore = std::exchange(m_portText, m_ports.at(index));
     changed(WindowPart::Ports);
-    if (m_DLManager != nullptr)
-        m_DLManager->SetPort(m_portText, m_uiDisplay);
+    if (m_DLManager == nullptr ||
+        m_DLManager->SetPort(m_portText, m_uiDisplay) != static_cast<int>(Code::PortInUseHere))
+        return;
+    m_portIndex = indexBefore;
+    m_portText = textBefore;
+    changed(WindowPart::Ports);
 }
 
 void DownloadWindow::typePort(const QString& text)
@@ -244,10 +249,10 @@ void DownloadWindow::ResetProgessBar()
     setProgressBar(0);
 }
 
-void DownloadWindow::UpdateLabels(const colConfigurations& configurations)
+void DownloadWindow::UpdateLabels(const colConfigurations& configurations, bool blnF1KeyRequired)
 {
     setFileNameTextBox({});
-    m_configurations.fill(configurations, upgradeState().blnF1KeyRequired);
+    m_configurations.fill(configurations, blnF1KeyRequired);
     changed(WindowPart::Configurations);
     m_eraseEnabled = false;
     changed(WindowPart::Controls);

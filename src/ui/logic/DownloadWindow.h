@@ -88,7 +88,8 @@ public:
 
     // -- What the user does
     /// Selects the port entry at @p index, from 0. A change calls the manager's SetPort, exactly
-    /// once; selecting the present entry does nothing.
+    /// once; selecting the present entry does nothing. When the manager refuses because an
+    /// operation runs, the list shows again what it showed before: the port that is in use.
     void selectPort(int index);
     /// Text typed over the port entry: no entry is selected any more, the manager keeps its port.
     void typePort(const QString& text);
@@ -119,7 +120,7 @@ public:
     void setFileNameTextBox(const QString& strData) override;
     void setProgressBar(std::int16_t intValue) override;
     void ResetProgessBar() override;
-    void UpdateLabels(const colConfigurations& configurations) override;
+    void UpdateLabels(const colConfigurations& configurations, bool blnF1KeyRequired) override;
 
     // -- IDownloadWindow
     void setDownLoadManager(clsDLManager* objDLManager) override { m_DLManager = objDLManager; }

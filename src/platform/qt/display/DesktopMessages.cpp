@@ -2,7 +2,6 @@
 
 #include <QApplication>
 #include <QMessageBox>
-#include <QPointer>
 
 #include <utility>
 
@@ -19,21 +18,32 @@ QMessageBox* makeBox(QMessageBox::Icon icon, const QString& title, const QString
     return box;
 }
 
-/// Shows the box until it is answered, and deletes it. The box goes with its parent when that is
-/// deleted meanwhile; the answer is then @p otherwise.
-int answer(QMessageBox* box, int otherwise)
+} // namespace
+
+DesktopMessages::DesktopMessages(QString title) : m_title(std::move(title)) {}
+
+// Shows the box until it is answered or dismissed, and deletes it. The box goes with its parent
+// when that is deleted meanwhile; the answer is then @p otherwise.
+int DesktopMessages::answer(QMessageBox* box, int otherwise)
 {
     const QPointer<QMessageBox> alive(box);
+    m_open.push_back(alive);
     const int button = box->exec();
+    std::erase(m_open, alive);
     if (!alive)
         return otherwise;
     delete box;
     return button;
 }
 
-} // namespace
-
-DesktopMessages::DesktopMessages(QString title) : m_title(std::move(title)) {}
+void DesktopMessages::dismiss()
+{
+    const auto open = m_open;
+    for (const QPointer<QMessageBox>& box : open) {
+        if (box)
+            box->reject();
+    }
+}
 
 void DesktopMessages::show(const QString& text, MessageKind kind)
 {

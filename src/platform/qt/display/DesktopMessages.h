@@ -2,6 +2,10 @@
 
 #include "platform/IMessageBox.h"
 
+#include <QPointer>
+
+#include <vector>
+
 class QMessageBox;
 
 namespace fldc {
@@ -14,9 +18,13 @@ public:
 
     void show(const QString& text, MessageKind kind) override;
     [[nodiscard]] bool askYesNo(const QString& text) override;
+    void dismiss() override;
 
 private:
+    int answer(QMessageBox* box, int otherwise);
+
     QString m_title;
+    std::vector<QPointer<QMessageBox>> m_open;
 };
 
 } // namespace fldc

@@ -1,6 +1,6 @@
 #include "platform/qt/display/MessageChooser.h"
 
-#include <QGuiApplication>
+#include "platform/qt/ProgramInfo.h"
 
 #include <utility>
 
@@ -10,9 +10,7 @@ namespace fldc {
 
 bool displayPresent()
 {
-    const QString platform = QGuiApplication::platformName();
-    return !platform.isEmpty() && platform != QLatin1String("offscreen") &&
-           platform != QLatin1String("minimal");
+    return ProgramInfo().screenPresent();
 }
 
 bool terminalAttached()
@@ -28,12 +26,23 @@ MessageChooser::MessageChooser(IMessageBox& desktop, IMessageBox& terminal,
 
 void MessageChooser::show(const QString& text, MessageKind kind)
 {
-    chosen().show(text, kind);
+    (nobodyWaits() ? m_terminal : chosen()).show(text, kind);
 }
 
 bool MessageChooser::askYesNo(const QString& text)
 {
-    return chosen().askYesNo(text);
+    return !nobodyWaits() && chosen().askYesNo(text);
+}
+
+void MessageChooser::dismiss()
+{
+    m_desktop.dismiss();
+    m_terminal.dismiss();
+}
+
+bool MessageChooser::nobodyWaits() const
+{
+    return m_surroundings.nobodyWaits && m_surroundings.nobodyWaits();
 }
 
 IMessageBox& MessageChooser::chosen() const

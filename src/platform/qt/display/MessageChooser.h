@@ -20,15 +20,20 @@ public:
         std::function<bool()> windowVisible;
         std::function<bool()> displayPresent = fldc::displayPresent;
         std::function<bool()> terminalAttached = fldc::terminalAttached;
+        /// True when who asked for the message is gone: it then waits for nobody, and a question
+        /// is answered No. May be empty.
+        std::function<bool()> nobodyWaits = {};
     };
 
     MessageChooser(IMessageBox& desktop, IMessageBox& terminal, Surroundings surroundings);
 
     void show(const QString& text, MessageKind kind) override;
     [[nodiscard]] bool askYesNo(const QString& text) override;
+    void dismiss() override;
 
 private:
     [[nodiscard]] IMessageBox& chosen() const;
+    [[nodiscard]] bool nobodyWaits() const;
 
     IMessageBox& m_desktop;
     IMessageBox& m_terminal;

@@ -8,4 +8,9 @@ namespace fldc {
 /// the standard error output (QT_LOGGING_RULES brings those of its categories back).
 void chooseQtPlatform();
 
+/// True when something listens where WAYLAND_DISPLAY and XDG_RUNTIME_DIR say that the display is,
+/// or a connection was handed to the process (WAYLAND_SOCKET). The library that Qt uses can't be
+/// kept from complaining on the standard error output otherwise.
+[[nodiscard]] bool waylandReachable();
+
 } // namespace fldc
