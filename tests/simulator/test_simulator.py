@@ -122,12 +122,12 @@ DIALOGUES = [
     ("rv4200", "f1-power-cycle power-cycle-after=1", "> 5E, -, @ 9600, > 5E, < 56, @ 19200, < AFAF, ready, < AFAF"),
     ("rv4200", "already-in-upgrade-mode=57600", "> 5E, -, @ 57600, ready, < AFAF"),
     # Deaf at another speed; a restart brings it back, and a speed changed right after a frame loses nothing.
-    ("rv4100", COMMANDED, "speed, @ 115200, < AFAF, ready, < AFAF, @ 19200, ready, -, @ 115200, ready, < AFAF, "
-                          "> 3600C9FF, @ 19200, < 76"),
+    ("rv4100", COMMANDED, "ready, < AFAF, speed, @ 115200, < AFAF, ready, < AFAF, @ 19200, ready, -, "
+                          "@ 115200, ready, < AFAF, > 3600C9FF, @ 19200, < 76"),
     ("rv4100", COMMANDED, "speed, -, @ 115200, -, ready, < AFAF"),
     ("rv6100", COMMANDED, "speed, < 8101AFAF, ready, < AFAF"),
     ("rv4100", COMMANDED + "ignores-speed=115200", "speed, -, ready, < AFAF"),
-    ("rv4100", COMMANDED + "deaf=115200", "speed, @ 115200, ready, -"),
+    ("rv4100", COMMANDED + "deaf=115200", "ready, < AFAF, speed, @ 115200, ready, -"),
     ("rv4100", "", f"> 5E, closed, @ 19200, -, > 7E, < {IDENTITY}"),  # nobody hears the 76
     # Changed answers.
     ("rv4100", COMMANDED + "fault@38:2=8104", "ready, < AFAF, ready, < 8104AFAF, ready, < AFAF"),

@@ -21,32 +21,15 @@ namespace {
 
 using MainWindowTest = WindowTest;
 
-// Pixels at 96 dpi, in the window or in the frame.
-struct Place {
-    const char* name;
-    QRect place;
-    const char* text;
-};
-
-const Place places[]{
-    {"chkAccessLevel", {416, 440, 153, 17}, "Allow Unprotected Upgrade"},
-    {"Label1", {24, 440, 33, 17}, "Port"},
-    {"cboPort", {24, 464, 113, 21}, "COM1:"},
-    {"Label2", {144, 440, 57, 17}, "Baud Rate"},
-    {"cboBaudRate", {144, 464, 65, 21}, "Auto"},
-    {"cmdConfig", {216, 464, 113, 25}, "&Report Configuration"},
-    {"cmdErase", {336, 464, 113, 25}, "&Erase Configuration"},
-    {"cmdDownload", {464, 464, 113, 25}, "&Download"},
-    {"cmdHelp", {560, 0, 25, 25}, ""},
-    {"fraConfiguration", {24, 40, 561, 297}, "Configuration"},
-    {"ListView1", {8, 32, 545, 209}, nullptr},
-    {"cmdSaveDetails", {448, 256, 89, 25}, "&Save Details"},
-    {"txtCurrentDownload", {24, 360, 497, 19}, ""},
-    {"lblProgress", {24, 384, 361, 17}, "Progress :"},
-    {"prgDownloadProgress", {24, 400, 497, 17}, nullptr},
-    {"lblCurrentDownload", {24, 344, 361, 17}, "Current Download :"},
-    {"stsStatus", {0, 510, 608, 19}, nullptr},
-};
+// clang-format off
+const std::pair<const char*, const char*> texts[]{
+    {"chkAccessLevel", "Allow Unprotected Upgrade"}, {"cboPort", "COM1:"}, {"cboBaudRate", "Auto"},
+    {"cmdConfig", "&Report Configuration"}, {"cmdErase", "&Erase Configuration"},
+    {"cmdDownload", "&Download"}, {"cmdSaveDetails", "&Save Details"}, {"Label1", "Port"},
+    {"Label2", "Baud Rate"}, {"fraConfiguration", "Configuration"}, {"lblProgress", "Progress :"},
+    {"lblCurrentDownload", "Current Download :"}, {"panelTag", "Status"}, {"panelStatus", "Ready"},
+    {"panelBaud", "Not connected"}};
+// clang-format on
 
 QString textOf(const QWidget* widget)
 {
@@ -65,17 +48,15 @@ std::array<int, 5> columnWidths(const QTreeWidget& list)
     return widths;
 }
 
-TEST_F(MainWindowTest, EveryControlIsInItsPlaceAndInTabOrder)
+TEST_F(MainWindowTest, EveryControlIsThereWholeAndInTabOrder)
 {
     start();
-    ASSERT_EQ(view->logicalDpiX(), 96);
-    for (const auto& [name, place, text] : places) {
-        EXPECT_EQ(control(name)->geometry(), place) << name;
+    for (const auto& [name, text] : texts) {
         EXPECT_TRUE(control(name)->isVisible()) << name;
-        if (text != nullptr) {
-            EXPECT_EQ(textOf(control(name)), QString::fromLatin1(text)) << name;
-        }
+        EXPECT_EQ(textOf(control(name)), QString::fromLatin1(text)) << name;
     }
+    for (const auto* each : view->findChildren<QAbstractButton*>())
+        EXPECT_EQ(each->visibleRegion().boundingRect(), each->rect()) << "covered or outside";
     QStringList order;
     for (QWidget* each = control("chkAccessLevel");;) {
         if (each->focusPolicy() & Qt::TabFocus && !each->objectName().startsWith(u"qt_"))
@@ -88,15 +69,8 @@ TEST_F(MainWindowTest, EveryControlIsInItsPlaceAndInTabOrder)
     EXPECT_EQ(order.join(u' '),
               QStringLiteral("chkAccessLevel cboPort cboBaudRate cmdConfig cmdErase cmdDownload "
                              "cmdHelp ListView1 cmdSaveDetails txtCurrentDownload"));
-    EXPECT_EQ(view->minimumSize(), QSize(608, 529));
-    EXPECT_EQ(view->maximumSize(), QSize(608, 529));
-    EXPECT_FALSE(view->windowFlags() &
-                 (Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint));
+    EXPECT_EQ(view->minimumSize(), view->maximumSize());
     EXPECT_TRUE(control<QLineEdit>("txtCurrentDownload")->isReadOnly());
-    EXPECT_EQ(control<QLabel>("panelTag")->text(), QStringLiteral("Status"));
-    EXPECT_EQ(status(), QStringLiteral("Ready"));
-    EXPECT_EQ(control<QLabel>("panelBaud")->text(), QStringLiteral("Not connected"));
-    EXPECT_EQ(control("panelBaud")->width(), 96);
     QStringList rates;
     for (int i = 0; i < 5; ++i)
         rates.append(control<QComboBox>("cboBaudRate")->itemText(i));
@@ -124,12 +98,16 @@ TEST_F(MainWindowTest, NoTextIsCut)
               list->columnWidth(0));
 }
 
-TEST_F(MainWindowTest, WithoutTheDebugSettingThereIsNoUnprotectedUpgrade)
+TEST_F(MainWindowTest, WithoutDebugSettingAndPortsItSaysSo)
 {
     machine.settings.values[QStringLiteral("Debug")] = QStringLiteral("true");
+    machine.ports.names.clear();
     start();
     EXPECT_FALSE(control("chkAccessLevel")->isVisible());
     EXPECT_EQ(view->windowTitle(), QStringLiteral("Kelvane Download Component (1.21.00.00)"));
+    EXPECT_EQ(control<QComboBox>("cboPort")->count(), 1);
+    EXPECT_EQ(control<QComboBox>("cboPort")->currentText(),
+              QStringLiteral("No available COM ports"));
 }
 
 TEST_F(MainWindowTest, APortIsChosenOncePerChange)
@@ -177,15 +155,6 @@ TEST_F(MainWindowTest, ATypedSpeedSelectsNoEntry)
     EXPECT_EQ(combo->currentText(), QStringLiteral("19200"));
     QTest::keyClick(combo, Qt::Key_Down);
     EXPECT_EQ(window.lock()->baudRateIndex(), 3);
-}
-
-TEST_F(MainWindowTest, AMachineWithoutPortsSaysSo)
-{
-    machine.ports.names.clear();
-    start();
-    EXPECT_EQ(control<QComboBox>("cboPort")->count(), 1);
-    EXPECT_EQ(control<QComboBox>("cboPort")->currentText(),
-              QStringLiteral("No available COM ports"));
 }
 
 TEST_F(MainWindowTest, RowsAreMarkedByClickAndSpace)

@@ -70,15 +70,6 @@ TEST_F(OperationsTest, TheEndOfTheSessionClosesItInTheMiddle)
     EXPECT_TRUE(view.isNull());
 }
 
-TEST_F(OperationsTest, TheWindowMayBeUnloadedByCodeInTheMiddle)
-{
-    start();
-    play({logOn, askForReport});
-    machine.time.after(1s, [&] { manager->ShutDownUiLessMode(); });
-    click("cmdConfig");
-    EXPECT_TRUE(window.expired());
-}
-
 TEST_F(OperationsTest, AnUnexpectedFailureIsShownAndTheButtonsComeBack)
 {
     start();
@@ -104,13 +95,6 @@ TEST_F(OperationsTest, AnErasureNamesTheMarkedRows)
     play({logOn, askForReport, answerReport, restart});
     click("cmdConfig");
     EXPECT_EQ(status(), QStringLiteral("Configuration successfully read"));
-    fill({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C")}, "111");
-    clickRow(2);
-    // The radio has one configuration: position 3 is none of them.
-    play({logOn, askForReport, answerReport, restart});
-    click("cmdErase");
-    EXPECT_TRUE(machine.files.files.at(QStringLiteral("C:\\Tools\\0_Download.log"))
-                    .content.contains("Error 5 - Invalid procedure call or argument"));
     fill({QStringLiteral("A"), QStringLiteral("B")}, "11");
     clickRow(0);
     // Authorises network 5 and device 0 for the component's code; the radio keeps silent.
