@@ -1,5 +1,6 @@
 #pragma once
 
+#include "firmware/Compression.h"
 #include "platform/Platform.h"
 #include "protocol/IProtocolEvents.h"
 #include "shared/Enumerations.h"
@@ -12,6 +13,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace fldc {
 
@@ -82,6 +84,8 @@ public:
     std::int16_t LoadFilesEx(const QString& FilesToDL, const QString& strSeparator);
     /// Every element between separators is a full path.
     void LoadFilesByPath(const QString& strFilePaths, const QString& strSeparator);
+    /// How the files loaded from now on are compressed; nothing: as the setting Compression says.
+    void setCompression(std::optional<Compression> compression) { m_compression = compression; }
     /// Adds the images of one file to the loaded files. Code 34. Throws when nothing was ever
     /// loaded.
     void ValidFile(const QString& strFileName);
@@ -185,6 +189,7 @@ private:
     std::shared_ptr<IDownloadWindow> m_window;
     std::shared_ptr<clsRadio> m_radio;
     std::shared_ptr<colFiles> m_files;
+    std::optional<Compression> m_compression;
     std::shared_ptr<IPort> m_port;
     bool m_uiMode = false;
     QString m_downloadLogPath;
