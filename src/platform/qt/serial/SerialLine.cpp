@@ -213,7 +213,7 @@ int SerialLine::write(const QByteArray& bytes)
         if (!waitForLine(descriptor(), POLLOUT,
                          std::min<std::chrono::nanoseconds>(wait, remaining)))
             return EIO;
-        wait *= 2;
+        wait = std::min<std::chrono::nanoseconds>(wait * 2, remaining);
     }
     return 0;
 }
