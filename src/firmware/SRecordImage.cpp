@@ -165,10 +165,10 @@ bool SRecordImage::finishData()
 {
     if (m_data->Count() == 0)
         return reject(u"a record without data stands alone at its address"_s);
-    if (m_compression == Compression::Zlib)
-        m_data->CompressData();
-    else
+    if (m_compression == Compression::None)
         m_data->FinishUncompressed();
+    else
+        m_data->CompressData(m_compression);
     return true;
 }
 

@@ -15,11 +15,6 @@ namespace fldc {
 
 class TextLines;
 
-enum class Compression {
-    Zlib, ///< each run of addresses gets a compressed copy where that is smaller
-    None, ///< the radio will be sent the plain bytes
-};
-
 /// The types of record that carry data, each with what belongs to it.
 struct DataRecordType {
     QByteArrayView type;

@@ -6,7 +6,9 @@
 #include <algorithm>
 #include <cstring>
 #include <limits>
+#include <memory>
 
+#include <libdeflate.h>
 #include <zlib.h>
 
 namespace fldc {
@@ -33,6 +35,35 @@ std::uint8_t byteOf(QStringView digits)
         value = value * 16 + digitValue;
     }
     return static_cast<std::uint8_t>(value);
+}
+
+// The streams have a destination no larger than the data: what does not get smaller is not worth
+// sending, and the stream is then empty.
+
+QByteArray standardStream(const QByteArray& data)
+{
+    QByteArray packed(data.size(), Qt::Uninitialized);
+    auto size = static_cast<uLongf>(packed.size());
+    const int result =
+        compress(reinterpret_cast<Bytef*>(packed.data()), &size,
+                 reinterpret_cast<const Bytef*>(data.constData()), static_cast<uLong>(data.size()));
+    packed.truncate(result == Z_OK ? static_cast<qsizetype>(size) : 0);
+    return packed;
+}
+
+QByteArray bestStream(const QByteArray& data)
+{
+    constexpr int highestLevel = 12;
+    const std::unique_ptr<libdeflate_compressor, void (*)(libdeflate_compressor*)> compressor(
+        libdeflate_alloc_compressor(highestLevel), libdeflate_free_compressor);
+    if (!compressor)
+        return {};
+    QByteArray packed(data.size(), Qt::Uninitialized);
+    const std::size_t size = libdeflate_zlib_compress(
+        compressor.get(), data.constData(), static_cast<std::size_t>(data.size()), packed.data(),
+        static_cast<std::size_t>(packed.size()));
+    packed.truncate(static_cast<qsizetype>(size));
+    return packed;
 }
 
 } // namespace
@@ -96,22 +127,19 @@ std::span<const std::uint8_t> colDataBlocks::bytes() const
             static_cast<std::size_t>(m_data.size())};
 }
 
-void colDataBlocks::CompressData()
+void colDataBlocks::CompressData(Compression compression)
 {
     trim();
-    // A destination no larger than the data: what does not get smaller is not worth sending.
-    QByteArray packed(m_count, Qt::Uninitialized);
-    auto packedSize = static_cast<uLongf>(m_count);
-    const int result =
-        compress(reinterpret_cast<Bytef*>(packed.data()), &packedSize,
-                 reinterpret_cast<const Bytef*>(m_data.constData()), static_cast<uLong>(m_count));
-    if (result == Z_OK) {
-        packed.truncate(static_cast<qsizetype>(packedSize));
-        if (packed.size() % 2 != 0)
-            packed.append('\0');
-        packed.squeeze();
-        m_compressed = packed;
-        m_compressedCount = static_cast<std::int32_t>(packed.size());
+    const QByteArray standard = standardStream(m_data);
+    const QByteArray best = compression == Compression::Best ? bestStream(m_data) : QByteArray();
+    const bool bestIsShorter =
+        !best.isEmpty() && (standard.isEmpty() || best.size() < standard.size());
+    if (const QByteArray& shorter = bestIsShorter ? best : standard; !shorter.isEmpty()) {
+        m_compressed = shorter;
+        if (m_compressed.size() % 2 != 0)
+            m_compressed.append('\0');
+        m_compressed.squeeze();
+        m_compressedCount = static_cast<std::int32_t>(m_compressed.size());
     }
     padToEven();
 }

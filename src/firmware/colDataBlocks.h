@@ -1,5 +1,7 @@
 #pragma once
 
+#include "firmware/Compression.h"
+
 #include <QByteArray>
 #include <QString>
 #include <QStringView>
@@ -50,8 +52,9 @@ public:
     [[nodiscard]] std::span<const std::uint8_t> bytes() const;
     /// Trims the data, makes the compressed copy and pads both to even sizes with a zero, so that
     /// every chunk of an even length is even. Data that do not get smaller have no compressed copy
-    /// (CompressedCount -1). Fails with 9 when Count is 0.
-    void CompressData();
+    /// (CompressedCount -1). Fails with 9 when Count is 0. Both ways of compression make a zlib
+    /// stream (RFC 1950) with a window of at most 32 KiB.
+    void CompressData(Compression compression = Compression::Zlib);
     /// The same without a compressed copy: the radio will be sent the plain bytes.
     void FinishUncompressed();
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "firmware/Compression.h"
 #include "platform/Platform.h"
 #include "protocol/IProtocolEvents.h"
 #include "protocol/UpgradeState.h"
@@ -103,6 +104,8 @@ public:
     std::int16_t LoadFilesEx(const QString& FilesToDL, const QString& strSeparator);
     /// Every element between separators is a full path.
     void LoadFilesByPath(const QString& strFilePaths, const QString& strSeparator);
+    /// How the files loaded from now on are compressed; nothing: as the setting Compression says.
+    void setCompression(std::optional<Compression> compression) { m_compression = compression; }
     /// Adds the images of one file to the loaded files. Code 34. Throws when nothing was ever
     /// loaded.
     void ValidFile(const QString& strFileName);
@@ -229,6 +232,7 @@ private:
     std::shared_ptr<colFiles> m_files;
     Code m_loadCode = Code::Success; ///< of the last load
     bool m_filesLeftOver = false;    ///< by the last download
+    std::optional<Compression> m_compression;
     std::shared_ptr<IPort> m_port;
     bool m_uiMode = false;
     QString m_downloadLogPath;

@@ -109,8 +109,8 @@ void clsDLManager::downloadSteps(Session& session, QString& strFilesToReport)
     const std::shared_ptr<colFiles> files = m_files;
     if (files && !mayBeWritten(*files))
         return;
-    if (!session.openLine())
-        return;
+    // Without a line the log-on ends the download; what the user must be asked comes first.
+    (void)session.openLine();
     clsProtocol& protocol = *session.protocol;
     if (m_uiMode)
         protocol.SetUpgradeMode(session.window().accessLevelChecked() ? 1 : 0);

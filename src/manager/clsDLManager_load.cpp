@@ -79,7 +79,10 @@ void clsDLManager::ValidFile(const QString& strFileName)
 // Adds the images of one file. What makes a file not valid stands in the log, with its line.
 void clsDLManager::readFile(const QString& path, const std::shared_ptr<colFiles>& files) const
 {
-    if (const auto notValid = SRecordReader(m_platform.files, files).read(path))
+    const bool best = ReadSetting(m_platform.settings, compressionSetting, {}) == settingBest;
+    const Compression compression =
+        m_compression.value_or(best ? Compression::Best : Compression::Zlib);
+    if (const auto notValid = SRecordReader(m_platform.files, files, compression).read(path))
         logDownload(path + QStringLiteral(": ") + notValid->text());
 }
 

@@ -1,11 +1,12 @@
 #pragma once
 
+#include <QList>
 #include <QString>
-#include <QStringList>
 
 namespace fldc {
 
-/// The machine's serial ports under their names, colon included ("COM1:").
+/// The machine's serial ports under their names, colon included ("COM1:"). Looking never opens a
+/// port: opening raises DTR and RTS, which key the transmitter of some radios.
 ///
 /// A name means a device only at the moment when it is asked for: adapters come and go, and the
 /// numbers that are not pinned in the settings may change. Who opens a port keeps the device path
@@ -14,11 +15,17 @@ class IPortListing {
 public:
     virtual ~IPortListing() = default;
 
-    /// Names in listing order; may hold ports of other kinds. Throws PlatformFailure when the
-    /// machine can't be asked.
-    [[nodiscard]] virtual QStringList portNames() = 0;
-    /// Opens the port of that name and closes it again; throws PlatformFailure when that fails.
-    virtual void tryOpen(const QString& name) = 0;
+    struct Port {
+        QString name;
+        bool available = false;
+        friend bool operator==(const Port&, const Port&) = default;
+    };
+    /// In listing order; may hold ports of other kinds. Throws PlatformFailure when the machine
+    /// can't be asked.
+    [[nodiscard]] virtual QList<Port> ports() = 0;
+    /// Whether the port of that name could be opened now, as far as a look can tell: its device is
+    /// there, may be read and written, and nobody is seen to use it, this program included.
+    [[nodiscard]] virtual bool isAvailable(const QString& name) = 0;
     /// Path of the device behind COM@p number: ; empty when there is none.
     [[nodiscard]] virtual QString devicePath(int number) = 0;
 };

@@ -10,10 +10,10 @@ namespace {
 
 constexpr QStringView namePrefix = u"COM";
 
-QString entryOf(IPortListing& ports, const QString& name)
+QString entryOf(const IPortListing::Port& port)
 {
-    return PortAvailable(ports, name) ? name.trimmed()
-                                      : name.trimmed() + QStringLiteral(" (unavailable)");
+    return port.available ? port.name.trimmed()
+                          : port.name.trimmed() + QStringLiteral(" (unavailable)");
 }
 
 } // namespace
@@ -22,9 +22,9 @@ std::int32_t GetSerialPorts(IPortListing& ports, QStringList& entries)
 {
     entries.clear();
     try {
-        for (const QString& name : ports.portNames()) {
-            if (name.startsWith(namePrefix))
-                entries.append(entryOf(ports, name));
+        for (const IPortListing::Port& port : ports.ports()) {
+            if (port.name.startsWith(namePrefix))
+                entries.append(entryOf(port));
         }
     } catch (...) {
         entries.clear(); // a machine that can't be asked has no ports
@@ -38,8 +38,7 @@ std::int32_t GetSerialPorts(IPortListing& ports, QStringList& entries)
 bool PortAvailable(IPortListing& ports, const QString& name)
 {
     try {
-        ports.tryOpen(name);
-        return true;
+        return ports.isAvailable(name);
     } catch (...) {
         return false;
     }

@@ -147,8 +147,9 @@ void clsProtocol::resetAndListen(IPort& port, bool& blnUARequired)
 bool clsProtocol::waitForPowerCycle(IPort& port, bool& blnUARequired, bool blnUIMode)
 {
     m_teller->tell(session::PowerCycleRequired{upgradeState().blnF1KeyRequired});
-    const bool answered = blnUIMode ? waitForPowerCycleByUser(port, blnUARequired)
-                                    : waitForPowerCycleUnattended(port, blnUARequired);
+    const bool byUser = blnUIMode && m_platform.program.screenPresent();
+    const bool answered = byUser ? waitForPowerCycleByUser(port, blnUARequired)
+                                 : waitForPowerCycleUnattended(port, blnUARequired);
     if (answered)
         tellResetAnswered(*m_teller);
     return answered;

@@ -41,14 +41,6 @@ TEST(CommandLine, RefusesASwitchGivenTwice)
         EXPECT_THROW((void)ParseCommandLine(QString::fromUtf8(text)), PlatformFailure) << text;
 }
 
-TEST(CommandLine, AnEmptyValueCountsAsAbsent)
-{
-    const SwitchTable table = ParseCommandLine(QStringLiteral("/f /p 1"));
-    EXPECT_FALSE(SwitchPresent(table, u'f'));
-    EXPECT_TRUE(SwitchPresent(table, u'p'));
-    EXPECT_FALSE(SwitchPresent(table, u'r'));
-}
-
 TEST(CommandLine, NumbersAreSixteenBit)
 {
     const auto number = [](const char* value) {
@@ -59,17 +51,6 @@ TEST(CommandLine, NumbersAreSixteenBit)
     EXPECT_EQ(number("2.5"), 2);
     for (const char* wrong : {"x", "1x", "32768", "", "--1", "1e3"})
         EXPECT_THROW((void)number(wrong), PlatformFailure) << wrong;
-}
-
-TEST(CommandLine, UsageNamesEverySwitchAndRadio)
-{
-    const QString usage = usageText();
-    EXPECT_TRUE(
-        usage.startsWith(QStringLiteral("RV4100_FLDC Usage\r\n\r\nNo arguments:\r\n     Start")));
-    EXPECT_TRUE(
-        usage.endsWith(QStringLiteral("'/r 1' where\r\n        1 = RV4100\r\n        2 = RV4200\r\n"
-                                      "        3 = RV6100\r\n        4 = RH6100")));
-    EXPECT_EQ(usage.count(QStringLiteral("\r\n")), 22);
 }
 
 } // namespace

@@ -1,6 +1,9 @@
 #include "FirmwareReading.h"
 #include "support/Failures.h"
 
+#include <algorithm>
+#include <random>
+
 #include <gtest/gtest.h>
 
 using namespace Qt::StringLiterals;
@@ -55,6 +58,43 @@ TEST(DataBlocks, CompressWhatGetsSmallerAndPadBothToEven)
     EXPECT_EQ(incompressible.CompressedCount(), -1);
     EXPECT_EQ(incompressible.data(), QByteArray::fromHex("1F83C07A5EE9421DB600"));
     EXPECT_EQ(failureNumber([&] { return inflated(incompressible); }), 9);
+}
+
+// Best is an ordinary stream of the same bytes, never longer than the standard one; where neither
+// is shorter than the data there is none.
+TEST(DataBlocks, BestCompressionLosesNothing)
+{
+    std::mt19937 random(11);
+    QByteArray noise(70'001, Qt::Uninitialized);
+    std::ranges::generate(noise, [&] { return static_cast<char>(random()); });
+    QByteArray code; // few instructions often, with operands that nobody foresees
+    while (code.size() < 200'000) {
+        code += QByteArray::fromHex("F8DF4620B5104770E92D41F0BD10")
+                    .mid(qsizetype(random() % 7 * 2), 2 + qsizetype(random() % 5));
+        code += static_cast<char>(random() % 40);
+    }
+    const std::vector<std::pair<QByteArray, bool>> cases{
+        {code, true},           {noise, false},
+        {code.left(1), false},  {QByteArray("ABCDEF"), false},
+        {code.left(501), true}, {QByteArray(100'000, '\0'), true},
+        {noise + noise, false}, {noise.left(20'000) + noise.left(20'000), true}};
+    bool everShorter = false;
+    for (const auto& [plain, smaller] : cases) {
+        colDataBlocks blocks[2];
+        for (int i = 0; i < 2; ++i) {
+            blocks[i].AddBytes({reinterpret_cast<const std::uint8_t*>(plain.constData()),
+                                static_cast<std::size_t>(plain.size())});
+            blocks[i].CompressData(i == 0 ? Compression::Zlib : Compression::Best);
+        }
+        const auto [standard, best] =
+            std::pair(blocks[0].CompressedCount(), blocks[1].CompressedCount());
+        EXPECT_EQ(best != -1, smaller) << plain.size();
+        EXPECT_EQ(smaller ? inflated(blocks[1]) : plain, plain);
+        EXPECT_TRUE(best <= standard || standard == -1) << plain.size();
+        everShorter = everShorter || best < standard;
+        EXPECT_EQ(blocks[0].data(), blocks[1].data());
+    }
+    EXPECT_TRUE(everShorter);
 }
 
 TEST(DataBlocks, DeliverChunksInOrder)

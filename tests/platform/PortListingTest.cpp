@@ -7,7 +7,11 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <array>
+
 #include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/inotify.h>
 
 namespace fldc {
 namespace {
@@ -46,6 +50,26 @@ TEST(PortNames, ReadsPortListsAndLeavesOutWhatItDoesNotUnderstand)
         EXPECT_EQ(parsePortList(QString::fromLatin1(text)), PortMap()) << text;
 }
 
+/// Tells when a file was opened, by whomever.
+class OpeningWatch {
+public:
+    explicit OpeningWatch(const QString& path) : m_watch(::inotify_init1(IN_NONBLOCK | IN_CLOEXEC))
+    {
+        if (::inotify_add_watch(m_watch.get(), path.toLocal8Bit().constData(), IN_OPEN) == -1)
+            std::abort();
+    }
+    [[nodiscard]] bool sawOpening()
+    {
+        alignas(inotify_event) std::array<char, 4096> events{};
+        return ::read(m_watch.get(), events.data(), events.size()) > 0;
+    }
+
+private:
+    FileDescriptor m_watch;
+};
+
+using Ports = QList<IPortListing::Port>;
+
 TEST(PortListing, ListsTheEnvironmentsPortsOrElseThePinnedAndFoundOnes)
 {
     const QTemporaryDir folder;
@@ -55,20 +79,35 @@ TEST(PortListing, ListsTheEnvironmentsPortsOrElseThePinnedAndFoundOnes)
     file.close();
     const SettingsFile settings(file.fileName());
     PortListing ports(settings);
-    EXPECT_TRUE(ports.portNames().contains(u"COM203:"_s));
-    EXPECT_FALSE(ports.portNames().contains(u"COM209:"_s));
+    EXPECT_TRUE(ports.ports().contains(IPortListing::Port{u"COM203:"_s, false}));
     EXPECT_EQ(ports.devicePath(203), u"/dev/serial/by-id/usb-x"_s);
-
-    const PseudoTerminal far;
-    qputenv("RV4100_FLDC_PORTS", "COM12=/dev/b;COM2=" + far.path().toLocal8Bit());
-    EXPECT_EQ(ports.portNames(), QStringList({u"COM2:"_s, u"COM12:"_s}));
+    EXPECT_EQ(ports.devicePath(209), QString());
+    qputenv("RV4100_FLDC_PORTS", "COM12=/dev/b;COM2=/dev/a");
+    EXPECT_EQ(ports.ports(), Ports({{u"COM2:"_s, false}, {u"COM12:"_s, false}}));
     EXPECT_EQ(ports.devicePath(203), QString());
-    EXPECT_EQ(failureNumber([&] { ports.tryOpen(u"COM3:"_s); }), 8002);
-    const tcflag_t before = far.state().c_lflag;
-    EXPECT_EQ(failureNumber([&] { ports.tryOpen(u" COM2: "_s); }), 0);
-    EXPECT_EQ(far.state().c_lflag, before);
     qputenv("RV4100_FLDC_PORTS", "");
-    EXPECT_EQ(ports.portNames(), QStringList());
+    EXPECT_EQ(ports.ports(), Ports());
+    qunsetenv("RV4100_FLDC_PORTS");
+}
+
+// Opening a line raises its control lines, which key the transmitter of some radios.
+TEST(PortListing, SeesWhoHoldsAPortWithoutOpeningIt)
+{
+    const SettingsFile settings(u"/no/such/settings"_s);
+    PortListing ports(settings);
+    const PseudoTerminal far;
+    const FileDescriptor near = far.openNearEnd();
+    OpeningWatch watch(far.path());
+    qputenv("RV4100_FLDC_PORTS", "COM2=" + far.path().toLocal8Bit());
+    EXPECT_EQ(ports.ports(), Ports({{u"COM2:"_s, true}}));
+    EXPECT_TRUE(ports.isAvailable(u" COM2: "_s));
+    EXPECT_FALSE(ports.isAvailable(u"COM3:"_s));
+    ASSERT_EQ(::flock(near.get(), LOCK_EX), 0);
+    EXPECT_EQ(ports.ports(), Ports({{u"COM2:"_s, false}}));
+    EXPECT_FALSE(ports.isAvailable(u"COM2:"_s));
+    EXPECT_FALSE(watch.sawOpening());
+    const FileDescriptor opened = far.openNearEnd();
+    EXPECT_TRUE(watch.sawOpening());
     qunsetenv("RV4100_FLDC_PORTS");
 }
 

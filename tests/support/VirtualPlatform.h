@@ -42,16 +42,18 @@ public:
     std::set<QString> unavailable;
     bool broken = false;
 
-    [[nodiscard]] QStringList portNames() override
+    [[nodiscard]] QList<Port> ports() override
     {
         if (broken)
             throw PlatformFailure(FailureNumber::Internal);
-        return names;
+        QList<Port> list;
+        for (const QString& name : std::as_const(names))
+            list.append({name, isAvailable(name)});
+        return list;
     }
-    void tryOpen(const QString& name) override
+    [[nodiscard]] bool isAvailable(const QString& name) override
     {
-        if (unavailable.contains(name))
-            throw PlatformFailure(FailureNumber::Internal);
+        return !unavailable.contains(name);
     }
     [[nodiscard]] QString devicePath(int number) override { return QString::number(number); }
 };

@@ -6,13 +6,17 @@ namespace fldc {
 
 class ISettingsFile;
 
-// The two machine-wide settings.
+// The machine-wide settings.
 
 /// settingOn: every exchange with the radio is logged. Compared exactly.
 inline const QString debugSetting = QStringLiteral("Debug");
 /// First path of the files that a user loaded last.
 inline const QString lastFileSetting = QStringLiteral("LastFile");
 
+/// settingBest: files are loaded with the best compression. Compared exactly.
+inline const QString compressionSetting = QStringLiteral("Compression");
+
+inline const QString settingBest = QStringLiteral("Best");
 inline const QString settingOn = QStringLiteral("True");
 inline const QString settingOff = QStringLiteral("False");
 

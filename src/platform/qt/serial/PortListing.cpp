@@ -1,64 +1,58 @@
 #include "platform/qt/serial/PortListing.h"
 
+#include "platform/linux/DeviceFacts.h"
 #include "platform/qt/SettingsFile.h"
-#include "platform/qt/serial/SerialLine.h"
-
-#include <QFileInfo>
-#include <QSerialPortInfo>
 
 namespace fldc {
 
-namespace {
-
-QString realPath(const QString& path)
+PortListing::PortListing(const SettingsFile& settings, const LinuxSystem& system)
+    : m_settings(settings), m_system(system)
 {
-    const QString real = QFileInfo(path).canonicalFilePath();
-    return real.isEmpty() ? path : real;
 }
 
-} // namespace
-
-PortListing::PortListing(const SettingsFile& settings) : m_settings(settings) {}
-
-QStringList PortListing::portNames()
+QList<IPortListing::Port> PortListing::ports()
 {
-    QStringList names;
-    const PortMap present = ports();
-    for (auto port = present.keyBegin(); port != present.keyEnd(); ++port)
-        names.append(portName(*port));
-    return names;
+    QList<Port> list;
+    DeviceInspector inspector(m_system);
+    const PortMap present = devices();
+    for (auto port = present.begin(); port != present.end(); ++port)
+        list.append({portName(port.key()), inspector.state(port.value()) == PortState::Free});
+    return list;
 }
 
-void PortListing::tryOpen(const QString& name)
+bool PortListing::isAvailable(const QString& name)
 {
     const QString path = devicePath(portNumber(QStringView(name).trimmed()));
-    if (path.isEmpty())
-        throw serialFailure(SerialFailure::InvalidPortNumber, name);
-    const SerialLine line(path);
+    return !path.isEmpty() && DeviceInspector(m_system).state(path) == PortState::Free;
 }
 
 QString PortListing::devicePath(int number)
 {
-    return ports().value(number);
+    return devices().value(number);
 }
 
-PortMap PortListing::ports() const
+QMap<QString, QString> PortListing::pinned() const
+{
+    return m_settings.section(QStringLiteral("Ports"));
+}
+
+PortMap PortListing::devices() const
 {
     if (qEnvironmentVariableIsSet("RV4100_FLDC_PORTS"))
         return parsePortList(qEnvironmentVariable("RV4100_FLDC_PORTS"));
 
-    PortMap pinned;
-    const QMap<QString, QString> pins = m_settings.section(QStringLiteral("Ports"));
+    PortMap numbered;
+    const QMap<QString, QString> pins = pinned();
     for (auto pin = pins.begin(); pin != pins.end(); ++pin) {
         const int number = portNumber(pin.key());
         if (number > 0 && !pin.value().isEmpty())
-            pinned.insert(number, pin.value());
+            numbered.insert(number, pin.value());
     }
-    QStringList devices;
-    const QList<QSerialPortInfo> found = QSerialPortInfo::availablePorts();
-    for (const QSerialPortInfo& port : found)
-        devices.append(port.systemLocation());
-    return numberPorts(pinned, devices, realPath);
+    return numberPorts(numbered, DeviceInspector(m_system).serialDevices(),
+                       [this](const QString& path) {
+                           const QString real = m_system.realPath(path);
+                           return real.isEmpty() ? path : real;
+                       });
 }
 
 } // namespace fldc

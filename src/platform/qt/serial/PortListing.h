@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/IPortListing.h"
+#include "platform/linux/LinuxSystem.h"
 #include "platform/qt/serial/PortNames.h"
 
 namespace fldc {
@@ -8,23 +9,29 @@ namespace fldc {
 class SettingsFile;
 
 /// The machine's serial ports, asked afresh by every call: those that the section [Ports] of the
-/// settings file pins to a number (COM3=/dev/serial/by-id/…), then all others that Qt finds. The
-/// environment variable RV4100_FLDC_PORTS, when set, replaces the whole listing
+/// settings file pins to a number (COM3=/dev/serial/by-id/…), then all others that the system has.
+/// The environment variable RV4100_FLDC_PORTS, when set, replaces the whole listing
 /// ("COM1=/dev/ttyUSB0;COM7=/dev/ttyS0"; empty: no ports).
+///
+/// QSerialPortInfo would find the others too, but it opens built-in ports to learn their type.
 class PortListing final : public IPortListing {
 public:
-    explicit PortListing(const SettingsFile& settings);
+    explicit PortListing(const SettingsFile& settings,
+                         const LinuxSystem& system = LinuxSystem::thisMachine());
 
     /// In the order of the numbers. A pinned port is listed even when its device is missing.
-    [[nodiscard]] QStringList portNames() override;
-    /// Opens as the serial control does (see SerialLine) but leaves the line settings alone.
-    void tryOpen(const QString& name) override;
+    [[nodiscard]] QList<Port> ports() override;
+    [[nodiscard]] bool isAvailable(const QString& name) override;
     [[nodiscard]] QString devicePath(int number) override;
 
-private:
-    [[nodiscard]] PortMap ports() const;
+    [[nodiscard]] PortMap devices() const;
+    /// Everything in the section [Ports], whatever its name: the names that users gave to devices.
+    [[nodiscard]] QMap<QString, QString> pinned() const;
+    [[nodiscard]] const LinuxSystem& system() const { return m_system; }
 
+private:
     const SettingsFile& m_settings;
+    const LinuxSystem& m_system;
 };
 
 } // namespace fldc
