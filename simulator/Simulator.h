@@ -10,6 +10,9 @@
 
 namespace simulator {
 
+/// One thread and one poll(): the line, the openings of the line, signals and the earliest
+/// deadline. It never blocks on the line: a host that stops reading must not stop the radio's
+/// clock.
 class Simulator {
 public:
     /// The pseudo-terminal is open and linked, and the signals of the process are handled here,

@@ -9,6 +9,13 @@
 
 namespace simulator {
 
+/// Bytes come in one at a time with the moment at which each was complete, and nothing here waits:
+/// what takes time sets a deadline, and the owner calls wake() when it is due. So the same radio
+/// runs paced and unpaced, and a frame that stops in its middle is a deadline like any other.
+///
+///     Running --reset--> Started --log-on--> Commanded --restart--> Started
+///                        Started --log-on--> Loading --boot application--> Commanded
+///                        Started --nothing comes--> Running
 class Radio {
 public:
     /// Everything is used, not owned. The radio is switched on and runs its own software.

@@ -24,6 +24,14 @@ namespace fldc {
 /// A client holds what it created and the objects that it was handed, until it releases them or
 /// leaves the bus. Every client that calls the global object holds that, too. A manager that nobody
 /// holds goes as soon as its operation has ended in order and its window is off the screen.
+///
+/// Calls are served one inside the other: a short one is answered while a download waits for its
+/// radio, and the answer to the outer call comes when the inner ones are done. What must not happen
+/// inside an operation is refused before it begins (ManagerObject::ExclusiveCall).
+///
+/// A manager is never destroyed inside its own call. One that loses its last client is
+/// put aside, its operation is cancelled, and it goes when that has run its closing steps: the port
+/// is closed and the logs have their ends.
 class AutomationServer final : private IObjectSource {
 public:
     /// Throws PlatformFailure (internal) when the program does not serve what it publishes.

@@ -31,6 +31,10 @@ struct BoundProperty {
         set; ///< may be empty
 };
 
+/// Two things are written down about each class: the type library says what clients may call, the
+/// binding says what runs. They are compared at every start (TypeLibrary::verify), because a
+/// difference would otherwise be found by a client.
+///
 /// The code behind one interface of the type library: C++ members, or functions whose first
 /// argument is the object, under the names of the interface. Signatures come from the C++ types.
 class BoundClass {

@@ -24,6 +24,9 @@ struct PublishedObject {
 
 /// The objects that clients hold, by path: /com/kelvane/RV4100_FLDC_EXE/<class>/<number>. Numbers
 /// are not used again.
+///
+/// An object that two clients hold has a path for each, so that one of them can let go of it alone.
+/// The table keeps the objects alive; who takes one out of it decides when it goes.
 class ObjectTable {
 public:
     /// Path of @p object for @p client: the one it has, or a new one.

@@ -12,6 +12,10 @@ class clsDLManager;
 
 /// What the manager needs of the main window beyond what the protocol does. The window works while
 /// it is hidden, and its members stay callable after it was unloaded.
+///
+/// Manager and window know each other. The manager owns the window; the window holds a plain
+/// pointer back, which unload() clears on both sides. Whatever closes a window therefore goes
+/// through unload(), also the end of the desktop's session in the middle of an operation.
 class IDownloadWindow : public IProtocolWindow {
 public:
     /// The manager that owns the window; nullptr lets go of it. Must be set before load().
@@ -48,6 +52,8 @@ public:
     [[nodiscard]] virtual std::shared_ptr<ISerialControl> comSerialPort() const = 0;
 };
 
+/// Start-up decides which windows there are: with widgets, without, or, in tests, recorded ones.
+/// The factory outlives the managers that use it.
 class IDownloadWindowFactory {
 public:
     virtual ~IDownloadWindowFactory() = default;

@@ -9,6 +9,10 @@ class Cancellation;
 /// Marks that an operation runs on this thread, for its life. Only the outermost is granted: what
 /// arrives from an event handler in the middle of an operation is refused, whichever manager it is
 /// called on, because the last error and the logs are shared by the thread.
+///
+/// A refusal is not a queue: the caller is told (13, or an error on the bus) and tries again. What
+/// is put off instead, because its caller does not wait, is a task
+/// (clsDLManager::AsyncTaskProcess).
 class OperationScope {
 public:
     OperationScope();

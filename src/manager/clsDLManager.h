@@ -32,6 +32,21 @@ class colFiles;
 /// The one object through which everything is done: it owns the window, the protocol, the port, the
 /// radio model and the loaded files, and runs loads, reports, downloads and erasures.
 ///
+/// Every radio operation has the same frame, whatever it does inside:
+///
+///   1. It is refused when another one runs on the thread (Operation.h).
+///   2. It takes copies of window, port, protocol and radio model, and uses no member in their
+///      place from then on (Session.h): any wait may replace or drop them.
+///   3. It serves what is pending, so that a request to end counts before the first byte is sent.
+///   4. It opens the logs and the line, unless the connection was kept, and works through its steps
+///      until one of them leaves an error.
+///   5. The closing steps run whatever happened, each on its own: status line, line, logs. What
+///      fails there does not change the outcome.
+///   6. Only when the thread is free again is the end told to clients.
+///
+/// What ends an operation early: cancelOperation() and endOperations(), and whoever unloads the
+/// window. All of them take effect at the next wait, with code 1; none of them waits for it.
+///
 /// Status-returning members return the last-error number after the operation (0 = success) and
 /// never throw; the others may throw PlatformFailure, which is said where it can happen. A radio
 /// operation, load or port change that arrives while an operation runs on the thread returns 13 and

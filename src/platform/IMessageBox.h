@@ -8,6 +8,11 @@ enum class MessageKind { Information, Error };
 
 /// Message boxes with the application's title. Each call returns when the user has answered, and
 /// serves events until then.
+///
+/// The one who asks stands still meanwhile, but timers, bytes and calls are served: an answer may
+/// come into another world than the question left. Questions are therefore asked before the first
+/// byte goes to a radio; beside a conversation only what returns at once is used (IFileDialogs.h,
+/// notices of the window).
 class IMessageBox {
 public:
     virtual ~IMessageBox() = default;

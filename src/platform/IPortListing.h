@@ -7,6 +7,10 @@ namespace fldc {
 
 /// The machine's serial ports under their names, colon included ("COM1:"). Looking never opens a
 /// port: opening raises DTR and RTS, which key the transmitter of some radios.
+///
+/// A name means a device only at the moment when it is asked for: adapters come and go, and the
+/// numbers that are not pinned in the settings may change. Who opens a port keeps the device path
+/// that it found, so that a line in use stays that of the radio that was chosen (SerialControl.h).
 class IPortListing {
 public:
     virtual ~IPortListing() = default;

@@ -18,6 +18,10 @@ enum class SerialFailure : int {
 
 /// One serial line, driven by its properties. Each member may throw PlatformFailure.
 ///
+/// The main window makes one at its beginning and the manager hands it to its port; both keep it
+/// alive. Only the port drives it. It is used on the thread that made it, where bytes that arrive
+/// are taken over while events are served, whether or not anybody reads.
+///
 /// A line that hangs up (an unplugged adapter) delivers the bytes it had received; then every
 /// operation but closing fails, and a wait in IEvents ends at once.
 class ISerialControl {

@@ -6,6 +6,10 @@
 namespace fldc {
 
 /// Timers of the thread; their callbacks run inside the calls of IEvents.
+///
+/// The one who starts a timer owns it: it runs until it is stopped, and its callback must not use
+/// what has gone before that. Nothing is stopped behind an owner's back. Periods are at least what
+/// was asked for, never shorter.
 class ITimers {
 public:
     virtual ~ITimers() = default;

@@ -4,6 +4,12 @@ namespace fldc {
 
 /// Set to end the running operation at its next wait. The port fails every exchange with code 1
 /// from then on, so that no further byte goes to the radio, until the next operation begins.
+///
+/// The manager owns it and is the only one who sets it: for a client that leaves or unloads the
+/// window, the end of the desktop's session, a signal. The port only looks, before each write and
+/// at each turn of a wait, so that whoever sets it need not know where the operation stands. It is
+/// not an event: who sets it does so from a callback, and the return from that callback is what
+/// lets the wait look again.
 class Cancellation {
 public:
     void request() { m_requested = true; }

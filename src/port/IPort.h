@@ -14,6 +14,13 @@ class ISerialControl;
 /// done and reports through the last error: 0, or the code named. None throws.
 ///
 /// Received bytes are hex text: two upper-case digits per byte, in order of arrival, no separators.
+///
+/// What ends a call that waits: the answer, its time-out, a line that fails or is closed by a
+/// callback, a cancellation. A call that ends without an answer leaves nothing behind: the reply
+/// timer is stopped, and what arrives later is thrown away by the next write.
+///
+/// Owned by the manager. An operation works on the port that it began with, also when a client has
+/// chosen another one meanwhile; that one then serves the next operation.
 class IPort {
 public:
     virtual ~IPort() = default;

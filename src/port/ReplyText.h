@@ -9,6 +9,12 @@ namespace fldc {
 // What the radio says, as it arrives. A busy mark (AE AE) starts the time-out of a read anew;
 // bytesKeepAlive tells whether any other byte does so too.
 
+//
+// Three readings of the same stream, because the radio's answers have three shapes: frames and
+// records of 16-bit words once it is in upgrade mode (ReplyWords), the text with which it logs on,
+// where nothing is aligned (ReplyBytes), and the single byte with which it starts (StartUpText).
+// None of them waits or knows the time; clsSerial feeds them and decides when to give up.
+
 /// A reply of the radio as it arrives byte by byte, read as 16-bit words. Words inside a record
 /// (header byte 43, then a count of data words) are data whatever they say.
 class ReplyWords {

@@ -7,6 +7,9 @@
 namespace fldc {
 
 /// The one-shot reply timer of a port: at most one runs, and it fires at most once.
+///
+/// The platform's timers repeat until they are stopped, so this one stops itself when it fires.
+/// Starting it anew forgets that it has expired; a reading loop does that for each period.
 class modTimer {
 public:
     explicit modTimer(ITimers& timers) : m_timers(timers) {}

@@ -8,6 +8,9 @@ namespace fldc {
 
 /// Who hears of the protocol's events: called on the same thread while the operation that raises
 /// them still runs.
+///
+/// A handler may wait for events, and may call the manager: reading members answer, operations are
+/// refused. The radio is asked nothing until it has returned.
 class IProtocolEvents {
 public:
     virtual ~IProtocolEvents() = default;

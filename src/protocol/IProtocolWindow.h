@@ -9,6 +9,11 @@ namespace fldc {
 class colConfigurations;
 
 /// What the protocol needs of the main window. Every member works while the window is hidden.
+///
+/// The operation holds the window for its whole life, but a client, or the end of the desktop's
+/// session, may close it at any wait: the members then go on working and show nothing. A
+/// conversation only writes here. What it reads is whether a user is present, because then a text
+/// by reference comes back as it was given.
 class IProtocolWindow {
 public:
     virtual ~IProtocolWindow() = default;

@@ -7,6 +7,10 @@
 namespace fldc {
 
 /// The dialog that asks the user to power-cycle the radio and lets them give up.
+///
+/// The conversation that shows it owns it and asks IsCancelled() after each of its waits for the
+/// radio, of about two seconds; pressing Cancel therefore need not wake anybody. It is never
+/// shown without a screen: nobody could cancel it.
 class IWaitDialog {
 public:
     virtual ~IWaitDialog() = default;

@@ -31,6 +31,17 @@ struct Platform;
 /// the port and reports its outcome in the last error; the code that each records beyond those of
 /// the port (IPort.h) and the fault words of the radio (Replies.h) is named with it.
 ///
+/// How one exchange goes: the frame is written, then words are read up to the acknowledgement AF AF
+/// or the end of a record. Busy words AE AE before it buy time. A fault word becomes its code; for
+/// those that a disturbed line explains, the frame is sent again, three times in all. What a
+/// conversation does about a code that is left is written in the conversation and nowhere else.
+///
+/// The speed at which the radio was last known to answer outlives the conversations: what fails at
+/// another speed goes back to it.
+///
+/// Owned by the manager; one object per manager, because the speed and the upgrade mode are those
+/// of one radio. Only an operation calls it, and never two at once.
+///
 /// Conversations pump events while they wait. The caller keeps window, port and model alive
 /// meanwhile. The port stays open in every case.
 class clsProtocol {

@@ -79,6 +79,11 @@ void VirtualTime::pause(milliseconds duration)
     m_now = std::max(m_now, end); // what ran meanwhile may have waited beyond it
 }
 
+void VirtualTime::stop(int id) noexcept
+{
+    EXPECT_TRUE(m_timers.erase(id) == 1 || id == 0) << "timer " << id << " is stopped twice";
+}
+
 int VirtualTime::start(milliseconds period, std::function<void()> callback)
 {
     if (m_refuseTimers)

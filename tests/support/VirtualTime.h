@@ -12,7 +12,8 @@ namespace fldc {
 
 /// Events, timers and clock without real time: a wait jumps to the next thing due and runs it. A
 /// wait that would never end (nothing is due, or only things beyond two hours) fails the test, and
-/// so does a loop that asks for events over and over without ever waiting.
+/// so does a loop that asks for events over and over without ever waiting, and who stops a timer
+/// that is not his any more.
 class VirtualTime final : public IEvents, public ITimers, public IClock {
 public:
     using milliseconds = std::chrono::milliseconds;
@@ -28,7 +29,7 @@ public:
     void waitForEvents() override;
     void pause(milliseconds duration) override;
     [[nodiscard]] int start(milliseconds period, std::function<void()> callback) override;
-    void stop(int id) noexcept override { m_timers.erase(id); }
+    void stop(int id) noexcept override;
     [[nodiscard]] QDateTime now() const override { return m_start.addMSecs(m_now.count()); }
     [[nodiscard]] milliseconds monotonic() const override { return m_now; }
 

@@ -225,6 +225,16 @@ TEST_F(MainWindowTest, AStatusHasItsTextAndAColourThatCanBeRead)
     EXPECT_GT(onDark.red(), onDark.green() + 50);
 }
 
+TEST_F(MainWindowTest, ProgressStaysOnItsBar)
+{
+    start();
+    for (const auto& [value, shown] : {std::pair(150, 100), {40, 40}, {-3, 0}}) {
+        window.lock()->setProgressBar(static_cast<std::int16_t>(value));
+        EXPECT_EQ(control<QProgressBar>("prgDownloadProgress")->value(), shown);
+        EXPECT_EQ(window.lock()->progress(), shown) << "a terminal shows this";
+    }
+}
+
 TEST_F(MainWindowTest, ItIsNotShownOverAModalDialog)
 {
     start();

@@ -95,6 +95,8 @@ TEST_F(OperationsTest, AnErasureNamesTheMarkedRows)
     play({logOn, askForReport, answerReport, restart});
     click("cmdConfig");
     EXPECT_EQ(status(), QStringLiteral("Configuration successfully read"));
+    EXPECT_TRUE(machine.files.files.at(QStringLiteral("C:\\Tools\\0_Config.log"))
+                    .content.contains(" Report Configurations...\r\n"));
     fill({QStringLiteral("A"), QStringLiteral("B")}, "11");
     clickRow(0);
     // Authorises network 5 and device 0 for the component's code; the radio keeps silent.

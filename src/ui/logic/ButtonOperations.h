@@ -24,6 +24,10 @@ struct Platform;
 /// None waits for an answer of the user, because help and "Save Details" can also be asked for in
 /// the middle of a conversation with a radio; it goes on behind the dialog, and its last error is
 /// not touched. The three radio operations are refused while any operation runs on the thread.
+///
+/// The window may go while one of the operations runs, so only a weak reference is kept and each
+/// step takes hold of the window anew. Whether the buttons can be pressed is set here, around the
+/// operation, and put right again whatever comes out of it.
 class ButtonOperations : public std::enable_shared_from_this<ButtonOperations> {
 public:
     ButtonOperations(std::weak_ptr<DownloadWindow> window, const Platform& platform,

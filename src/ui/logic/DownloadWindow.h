@@ -28,6 +28,8 @@ enum class WindowPart {
 };
 
 /// Something that shows the window's state: the main window on a desktop, a line on a terminal.
+/// Called inside the change, often in the middle of a conversation with a radio: it reads what it
+/// wants to show, paints or writes it and returns. It does not wait, throw, or change the window.
 class IWindowObserver {
 public:
     virtual ~IWindowObserver() = default;
@@ -50,6 +52,17 @@ public:
 /// The main window without its widgets: everything that the manager and the protocol read and write
 /// there, and the rules of the port list. A view shows it when there is a user; a switch-driven run
 /// needs none.
+///
+/// Why a run without a window has one: the port list, the chosen speed, the access level and the
+/// status line are what operations read and write, and the rules between them (a refused port puts
+/// the list back, a mark enables the erasure) must be the same whether or not they are on a screen.
+/// So the state and the rules are here, and widgets, a line on a terminal and nothing at all are
+/// three ways of showing it. This folder links no widgets, which the build enforces.
+///
+/// Owned by the manager; an operation holds it as well while it runs. The view is owned here, made
+/// when the window is first shown, and let go by unload(). A view hands what the user does to the
+/// members below and to ButtonOperations, and learns of every change through windowChanged(), of
+/// its own as well: it has no state to keep in step.
 class DownloadWindow final : public IDownloadWindow,
                              public std::enable_shared_from_this<DownloadWindow> {
 public:
