@@ -12,15 +12,17 @@ import time
 class Workbench:
     """One simulated radio with a folder of its own: settings, boot files, logs, flash dump."""
 
-    def __init__(self, program, simulator, samples, profile, faults=(), debug=True, pace=False):
+    def __init__(self, program, simulator, samples, profile, faults=(), debug=True, pace=False,
+                 replay=()):
         self.program, self.samples = program, samples
         self._folder = tempfile.TemporaryDirectory(prefix="fldc-")
         self.folder = pathlib.Path(self._folder.name)
         for boot in (samples / "boot").iterdir():
             (self.folder / boot.name).write_bytes(boot.read_bytes())
         (self.folder / "settings.conf").write_text(f"[General]\nDebug={debug}\n")
-        arguments = [simulator, "--profile", profile, "--link", self.folder / "radio",
-                     "--flash", self.folder / "flash"] + (["--pace"] if pace else [])
+        radio = replay or ("--profile", profile, "--flash", self.folder / "flash")
+        arguments = [simulator, "--link", self.folder / "radio", *radio]
+        arguments += ["--pace"] if pace else []
         for fault in faults:
             arguments += ["--fault", fault]
         self.radio = subprocess.Popen(arguments, stdout=open(self.folder / "radio.txt", "w"))
