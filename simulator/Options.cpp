@@ -46,6 +46,11 @@ std::optional<Options> readOptions(int argc, char** argv, int& exitCode)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
     app.add_option("--log", options.log, "File for every byte with its time; - for standard output")
         ->type_name("FILE");
+    app.add_option("--replay", options.replay,
+                   "Play the radio's side of a download log; ends when the host is through with it "
+                   "(exit code 0) or departs from it (3)")
+        ->type_name("LOG")
+        ->excludes("--profile", "--flash", "--flash-in", "--fault", "--pace");
     app.add_option("--for", options.seconds, "End after so many seconds")
         ->type_name("SECONDS")
         ->check(CLI::NonNegativeNumber);

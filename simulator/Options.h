@@ -15,6 +15,7 @@ struct Options {
     std::string flash;
     std::string flashIn;
     std::string log;
+    std::string replay; // a host's log; empty for a simulated radio
     bool pace = false;
     std::optional<double> seconds; // how long to run
     std::vector<Fault> faults;

@@ -1,6 +1,7 @@
 #include "Simulator.h"
 
 #include "FlashFile.h"
+#include "Signals.h"
 
 #include <algorithm>
 #include <array>
@@ -16,18 +17,6 @@ namespace {
 
 // How often the host's speed is looked at while it may change.
 constexpr milliseconds samplingInterval{2};
-
-int takeOverSignals()
-{
-    sigset_t handled;
-    sigemptyset(&handled);
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGUSR1, SIGUSR2})
-        sigaddset(&handled, signal);
-    sigprocmask(SIG_BLOCK, &handled, nullptr);
-    // Whoever reads the events may leave before the radio does.
-    std::signal(SIGPIPE, SIG_IGN);
-    return ::signalfd(-1, &handled, SFD_NONBLOCK | SFD_CLOEXEC);
-}
 
 Time after(Time start, double seconds)
 {

@@ -1,4 +1,5 @@
 #include "Simulator.h"
+#include "replay/Replay.h"
 
 #include <exception>
 #include <iostream>
@@ -10,6 +11,8 @@ int main(int argc, char** argv)
         const auto options = simulator::readOptions(argc, argv, exitCode);
         if (!options)
             return exitCode;
+        if (!options->replay.empty())
+            return simulator::Replay(*options).run() ? 0 : 3;
         simulator::Simulator(*options).run();
         return 0;
     } catch (const std::exception& error) {

@@ -12,15 +12,16 @@ import time
 class Workbench:
     """One simulated radio with a folder of its own: settings, boot files, logs, flash dump."""
 
-    def __init__(self, program, simulator, samples, profile, faults=(), debug=True, pace=False):
+    def __init__(self, program, simulator, samples, profile, faults=(), debug=True, pace=False,
+                 replay=()):
         self.program, self.samples = program, samples
         self._folder = tempfile.TemporaryDirectory(prefix="fldc-")
         self.folder = pathlib.Path(self._folder.name)
         for boot in (samples / "boot").iterdir():
             (self.folder / boot.name).write_bytes(boot.read_bytes())
         (self.folder / "settings.conf").write_text(f"[General]\nDebug={debug}\n")
-        self._arguments = [simulator, "--profile", profile, "--link", self.folder / "radio",
-                           "--flash", self.folder / "flash"] + (["--pace"] if pace else [])
+        radio = replay or ("--profile", profile, "--flash", self.folder / "flash")
+        self._arguments = [simulator, "--link", self.folder / "radio", *radio] + (["--pace"] if pace else [])
         self.start_radio(*faults)
 
     def start_radio(self, *faults):
