@@ -234,20 +234,6 @@ TEST_F(ManagerTest, LaterFilesCloseTheTunnelsAndSkipWhatTheRadioRefuses)
     EXPECT_TRUE(manager->FormatMessage(37).endsWith(QStringLiteral("\r\nJHA2F\r\n")));
 }
 
-TEST_F(ManagerTest, TheFirstFailureEndsTheDownloadWithoutARestart)
-{
-    create();
-    EXPECT_EQ(load("a.srec"), 0);
-    play({logOn, fast, report, authorise, "< AF AF\n", layout,
-          "> 32 01 00 00 CD FE\n< AF AF\n> 33 01 00 00 CC FE\n< 81 03 AF AF\n"});
-    QString text;
-    EXPECT_EQ(manager->DownLoad(text), 8103);
-    EXPECT_EQ(status(), QStringLiteral("Error 8103 - Response - flash write protected"));
-    EXPECT_EQ(lastErrorText(), QStringLiteral("8103 Response - flash write protected"));
-    EXPECT_EQ(reports, QStringList(QStringLiteral("RVKB1|0|5")))
-        << "the report before the download";
-}
-
 TEST_F(ManagerTest, AnFpgaImageIsAskedForBeforeAnythingIsSent)
 {
     addFile("fpga.srec", firmware("JVA1G1.00"));

@@ -412,20 +412,5 @@ TEST_F(Flash, FailuresEndItWhereTheyHappen)
 }
 // clang-format on
 
-TEST_F(Flash, ErasesTheBlockOfAConfiguration)
-{
-    radio.Configurations()->Add(QStringLiteral("00410000000100040000"), {});
-    radio.Configurations()->Add(QStringLiteral("0041000000FF00000000"), {});
-    line().play(UNLOCK ERASE LOCK);
-    protocol.EraseFlashBlock(window, port, radio, 1);
-    EXPECT_EQ(code(), 0);
-    line().play(UNLOCK "> 33 01 00 01 CC FD\n< 81 03 AF AF");
-    protocol.EraseFlashBlock(window, port, radio, 1);
-    EXPECT_EQ(code(), 8103);
-    protocol.EraseFlashBlock(window, port, radio, 2); // in no block: nothing is sent
-    EXPECT_EQ(code(), 8201);
-    EXPECT_THROW(protocol.EraseFlashBlock(window, port, radio, 3), PlatformFailure);
-}
-
 } // namespace
 } // namespace fldc
