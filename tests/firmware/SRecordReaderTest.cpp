@@ -172,6 +172,7 @@ TEST(NotValidFile, EndsWith34AndSaysWhereAndWhy)
         {HA DATA "// comment\n" END, 3, "//", 1},
         {HA DATA "S206000002020300\n" END, 3, "S2", 1},
         {HA DATA "S8\n", 3, "S8", 1},
+        {HA DATA "T1050001020300\n" END, 3, "T1", 1},
         {HA DATA HA DATA END, 3, "S0", 1},
         {HA DATA "S10500000g0100\n" END, 3, "not hexadecimal", 1},
         {HA DATA "S10500010 0100\n" END, 3, "not hexadecimal", 1},
@@ -201,6 +202,8 @@ TEST(NotValidFile, EndsWith34AndSaysWhereAndWhy)
         EXPECT_TRUE(outcome.problem->reason.contains(QLatin1StringView(one.reason)))
             << outcome.problem->reason.toStdString();
         EXPECT_EQ(outcome.images->Count(), one.images);
+        for (const auto& image : outcome.images->items())
+            EXPECT_TRUE(image->Rejected());
     }
     EXPECT_EQ(readFirmware(HA DATA "S5030001FB").problem->text(),
               QStringLiteral("line 3: a line of type S5 inside the data"));
