@@ -75,8 +75,7 @@ clsSerial::clsSerial(const Platform& platform, std::shared_ptr<const Cancellatio
                      std::function<bool()> userPresent,
                      std::shared_ptr<const session::Teller> teller)
     : m_platform(platform), m_cancellation(std::move(cancellation)),
-      m_userPresent(std::move(userPresent)), m_teller(std::move(teller)),
-      m_timer(m_platform.timers)
+      m_userPresent(std::move(userPresent)), m_teller(std::move(teller)), m_timer(m_platform.timers)
 {
 }
 
