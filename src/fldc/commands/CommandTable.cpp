@@ -1,0 +1,71 @@
+#include "fldc/commands/CommandTable.h"
+
+#include <algorithm>
+
+namespace fldc::cli {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::array table{
+    Command{"ports", "List the serial ports, without opening one", PortUse::None, {}, runNotBuilt},
+    Command{"report",
+            "Read the radio's configurations",
+            PortUse::Needed,
+            {addPortOrDefault, addLogOn},
+            runNotBuilt},
+    Command{"download",
+            "Write firmware files into the radio",
+            PortUse::Needed,
+            {addPort, addFiles, addLogOn, addDownload},
+            runNotBuilt},
+    Command{"erase",
+            "Erase components of the radio",
+            PortUse::Needed,
+            {addPort, addComponents, addLogOn},
+            runNotBuilt},
+    Command{"restart", "Restart the radio", PortUse::Needed, {addPortOrDefault}, runNotBuilt},
+    Command{"inspect",
+            "Show what firmware files hold; needs no radio",
+            PortUse::None,
+            {addFiles},
+            runInspect},
+    Command{"plan",
+            "Tell what a download would do, and how long it would take",
+            PortUse::Optional,
+            {addFiles, addPortOption, addCompression, addLogOn},
+            runPlan},
+    Command{"link-test",
+            "Tell whether the line is good enough",
+            PortUse::Needed,
+            {addPortOrDefault, addRounds, addLogOn},
+            runNotBuilt},
+    Command{"doctor",
+            "Tell why a port can't be used; sends nothing",
+            PortUse::Optional,
+            {addPortOrDefault},
+            runNotBuilt},
+    Command{"certificate", "Show a certificate", PortUse::None, {addOneFile}, runCertificate},
+};
+
+} // namespace
+
+std::span<const Command> commands()
+{
+    return table;
+}
+
+const Command* findCommand(std::string_view name)
+{
+    const auto* found = std::ranges::find(table, name, &Command::name);
+    return found == table.end() ? nullptr : found;
+}
+
+Outcome runNotBuilt(Context& /*context*/)
+{
+    return failure(Exit::Unexpected, Code::Success,
+                   u"This program does not have the command yet."_s, u"Use rv4100_fldc for it."_s);
+}
+
+} // namespace fldc::cli
