@@ -2,6 +2,7 @@
 
 #include "fldc/commands/Command.h"
 #include "fldc/files/InputFiles.h"
+#include "fldc/files/NamedPort.h"
 #include "fldc/output/Messages.h"
 #include "fldc/process/StandardDescriptors.h"
 #include "platform/PlatformFailure.h"
@@ -84,23 +85,29 @@ Outcome Program::runCommand(const SignalWatch& signalWatch)
                       all.ports,  all.serialControls, all.program, all.messages};
     const auto wantsEnd = [&] { return signalWatch.received() != 0 || m_outputLoss.wantsCancel(); };
 
+    NamedPort port;
+    const PortUse use = m_line.command->port;
+    const auto portFailure = use == PortUse::None
+                                 ? std::nullopt
+                                 : namePort(m_line.options, use == PortUse::Needed, port);
     files.read(m_line.options.files, wantsEnd);
-    Context context{m_line.options, m_output,           files,         platform, m_outputLoss,
-                    wantsEnd,       tellStarted(files), m_beforeResult};
-    return m_line.command->run(context);
+    Context context{m_line.options, m_output,     port,     files,
+                    platform,       m_outputLoss, wantsEnd, tellStarted(port, files),
+                    m_beforeResult};
+    return portFailure ? *portFailure : m_line.command->run(context);
 }
 
-QJsonObject Program::tellStarted(const InputFiles& files)
+QJsonObject Program::tellStarted(const NamedPort& port, const InputFiles& files)
 {
-    const auto& port = m_line.options.port;
-    const QJsonObject started =
-        makeObject(kind::started,
-                   {{"schema"_L1, schema},
-                    {"command"_L1, commandName()},
-                    {"port"_L1, port ? QJsonValue(QString::fromStdString(*port)) : QJsonValue()},
-                    {"device"_L1, QJsonValue()},
-                    {"files"_L1, files.toJson()},
-                    {"version"_L1, versionText()}});
+    const auto text = [](const QString& value) {
+        return value.isEmpty() ? QJsonValue() : QJsonValue(validText(value));
+    };
+    const QJsonObject started = makeObject(kind::started, {{"schema"_L1, schema},
+                                                           {"command"_L1, commandName()},
+                                                           {"port"_L1, text(port.name)},
+                                                           {"device"_L1, text(port.device)},
+                                                           {"files"_L1, files.toJson()},
+                                                           {"version"_L1, versionText()}});
     m_output.tell(kind::started, started);
     return started;
 }

@@ -32,7 +32,8 @@ public:
 
 private:
     [[nodiscard]] Outcome runCommand(const SignalWatch& signalWatch);
-    [[nodiscard]] QJsonObject tellStarted(const InputFiles& files);
+    [[nodiscard]] QJsonObject tellStarted(const struct NamedPort& port,
+                                          const class InputFiles& files);
     void callBeforeResult(Outcome& outcome) const;
     [[nodiscard]] int end(Outcome outcome, const SignalWatch& signalWatch);
     [[nodiscard]] QJsonObject resultObject(const Outcome& outcome) const;

@@ -15,6 +15,7 @@ struct Platform;
 namespace fldc::cli {
 
 class InputFiles;
+struct NamedPort;
 class Output;
 class OutputLoss;
 struct Options;
@@ -23,7 +24,8 @@ struct Options;
 struct Context {
     const Options& options;
     Output& output;
-    InputFiles& files; ///< those of options.files, read
+    const NamedPort& port; ///< empty for a command that has none
+    InputFiles& files;     ///< those of options.files, read
     Platform& platform;
     OutputLoss& outputLoss;
     /// True once the run is to end: a signal came, or standard output was lost before an erase.

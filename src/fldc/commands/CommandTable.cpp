@@ -9,22 +9,22 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr std::array table{
-    Command{"ports", "List the serial ports, without opening one", PortUse::None, {}, runNotBuilt},
+    Command{"ports", "List the serial ports, without opening one", PortUse::None, {}, runPorts},
     Command{"report",
             "Read the radio's configurations",
             PortUse::Needed,
             {addPortOrDefault, addLogOn},
-            runNotBuilt},
+            runReport},
     Command{"download",
             "Write firmware files into the radio",
             PortUse::Needed,
             {addPort, addFiles, addLogOn, addDownload},
-            runNotBuilt},
+            runDownload},
     Command{"erase",
             "Erase components of the radio",
             PortUse::Needed,
             {addPort, addComponents, addLogOn},
-            runNotBuilt},
+            runErase},
     Command{"restart", "Restart the radio", PortUse::Needed, {addPortOrDefault}, runNotBuilt},
     Command{"inspect",
             "Show what firmware files hold; needs no radio",
@@ -45,7 +45,7 @@ constexpr std::array table{
             "Tell why a port can't be used; sends nothing",
             PortUse::Optional,
             {addPortOrDefault},
-            runNotBuilt},
+            runDoctor},
     Command{"certificate", "Show a certificate", PortUse::None, {addOneFile}, runCertificate},
 };
 

@@ -13,6 +13,11 @@ namespace fldc::cli {
 
 // The commands. Each may throw what it does not expect: the program ends with exit code 10 then.
 
+[[nodiscard]] Outcome runPorts(Context& context);
+[[nodiscard]] Outcome runDoctor(Context& context);
+[[nodiscard]] Outcome runReport(Context& context);
+[[nodiscard]] Outcome runDownload(Context& context);
+[[nodiscard]] Outcome runErase(Context& context);
 [[nodiscard]] Outcome runInspect(Context& context);
 [[nodiscard]] Outcome runPlan(Context& context);
 [[nodiscard]] Outcome runCertificate(Context& context);
