@@ -25,7 +25,6 @@ constexpr std::array table{
             PortUse::Needed,
             {addPort, addComponents, addLogOn},
             runErase},
-    Command{"restart", "Restart the radio", PortUse::Needed, {addPortOrDefault}, runNotBuilt},
     Command{"inspect",
             "Show what firmware files hold; needs no radio",
             PortUse::None,
@@ -36,11 +35,6 @@ constexpr std::array table{
             PortUse::Optional,
             {addFiles, addPortOption, addCompression, addLogOn},
             runPlan},
-    Command{"link-test",
-            "Tell whether the line is good enough",
-            PortUse::Needed,
-            {addPortOrDefault, addRounds, addLogOn},
-            runNotBuilt},
     Command{"doctor",
             "Tell why a port can't be used; sends nothing",
             PortUse::Optional,
@@ -60,12 +54,6 @@ const Command* findCommand(std::string_view name)
 {
     const auto* found = std::ranges::find(table, name, &Command::name);
     return found == table.end() ? nullptr : found;
-}
-
-Outcome runNotBuilt(Context& /*context*/)
-{
-    return failure(Exit::Unexpected, Code::Success,
-                   u"This program does not have the command yet."_s, u"Use rv4100_fldc for it."_s);
 }
 
 } // namespace fldc::cli

@@ -21,7 +21,5 @@ namespace fldc::cli {
 [[nodiscard]] Outcome runInspect(Context& context);
 [[nodiscard]] Outcome runPlan(Context& context);
 [[nodiscard]] Outcome runCertificate(Context& context);
-/// Stands in for a command that the program does not have yet.
-[[nodiscard]] Outcome runNotBuilt(Context& context);
 
 } // namespace fldc::cli

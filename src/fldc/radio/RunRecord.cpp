@@ -140,8 +140,11 @@ void RunRecord::on(const session::TargetBegun& event)
 
 void RunRecord::on(const session::BlocksDone& event)
 {
-    if (event.action == session::BlockAction::Locked && !m_targets.empty())
-        m_targets.back().locked = true;
+    if (event.action == session::BlockAction::Locked) {
+        ++m_locks;
+        if (!m_targets.empty())
+            m_targets.back().locked = true;
+    }
     QJsonArray blocks;
     for (const std::uint16_t block : event.blocks)
         blocks.append(block);

@@ -60,6 +60,8 @@ public:
     [[nodiscard]] bool anythingSent() const { return m_anythingSent; }
     /// Flash was erased, or may have been.
     [[nodiscard]] bool mayHaveErased() const { return m_mayHaveErased; }
+    /// Times that the radio has locked blocks.
+    [[nodiscard]] std::size_t locks() const { return m_locks; }
     /// The last step that was sent was answered with a plain fault word.
     [[nodiscard]] bool lastStepRefused() const { return m_lastStepRefused; }
     /// Of the last operation: an erasure's own failure, not that of reading again.
@@ -94,6 +96,7 @@ private:
     bool m_anythingSent = false;
     bool m_mayHaveErased = false;
     bool m_lastStepRefused = false;
+    std::size_t m_locks = 0;
     bool m_restarted = false;
     Ending m_ending;
     std::int32_t m_baud = 0; ///< agreed on; 0 before that

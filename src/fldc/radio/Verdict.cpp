@@ -238,8 +238,7 @@ Outcome verdictOfErasure(const RunRecord& record, const std::vector<session::Com
                    ? Exit::NotConfirmed
                    : exitBeforeErase(record.ending().code, record);
     else if (record.ending().code != Code::Success)
-        exit = record.restarted() || record.components(session::Reading::After) ? Exit::NotConfirmed
-                                                                                : Exit::Incomplete;
+        exit = record.locks() == asked.size() ? Exit::NotConfirmed : Exit::Incomplete;
     else if (!std::ranges::all_of(asked, isGone))
         exit = Exit::NotConfirmed;
     Outcome outcome = outcomeOf(exit, record);
