@@ -123,7 +123,7 @@ void clsDLManager::downloadSteps(Session& session, QString& strFilesToReport)
     if (!lastError().ok())
         return;
     protocol.NegotiateBaud(session.window(), session.port(),
-                           m_uiMode ? session.window().baudRateIndex() : 0);
+                           m_uiMode ? session.window().baudRateIndex() : m_speedEntry);
     if (!lastError().ok())
         return;
 

@@ -35,9 +35,8 @@ void throwUnlessRegular(const struct stat& status, const QString& path)
 /// Opens a regular file. It is looked at before, because opening alone can do something to a
 /// device, and afterwards, because another may stand in its place by then; a named pipe can't hold
 /// up the opening.
-FileDescriptor openFile(const QString& path, int flags)
+FileDescriptor openNamed(const QByteArray& name, const QString& path, int flags)
 {
-    const QByteArray name = QFile::encodeName(nativePath(path));
     struct stat status {};
     if (::stat(name.constData(), &status) == 0)
         throwUnlessRegular(status, path);
@@ -47,6 +46,11 @@ FileDescriptor openFile(const QString& path, int flags)
         throw PlatformFailure::fromErrno(errno, path);
     throwUnlessRegular(status, path);
     return file;
+}
+
+FileDescriptor openFile(const QString& path, int flags)
+{
+    return openNamed(QFile::encodeName(nativePath(path)), path, flags);
 }
 
 /// Throws when another holds the lock. A file system without locks is no reason to fail.
@@ -132,6 +136,11 @@ void FileService::checkWritable(const QString& path)
 std::unique_ptr<IFileContent> FileService::read(const QString& path)
 {
     return std::make_unique<FileContent>(openFile(path, O_RDONLY), path);
+}
+
+std::unique_ptr<IFileContent> FileService::readNative(const QByteArray& name, const QString& path)
+{
+    return std::make_unique<FileContent>(openNamed(name, path, O_RDONLY), path);
 }
 
 QDate FileService::lastModified(const QString& path)

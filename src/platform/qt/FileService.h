@@ -15,6 +15,10 @@ public:
     void checkWritable(const QString& path) override;
     /// Into memory, and not mapped: another program may cut the file short meanwhile.
     [[nodiscard]] std::unique_ptr<IFileContent> read(const QString& path) override;
+    /// Likewise for a file by its name as the system has it, byte for byte: neither need that be
+    /// text, nor does `\` in it stand for anything else. @p path names it in failures.
+    [[nodiscard]] static std::unique_ptr<IFileContent> readNative(const QByteArray& name,
+                                                                  const QString& path);
     [[nodiscard]] QDate lastModified(const QString& path) override;
     /// Replaces @p to when it exists.
     void copy(const QString& from, const QString& to) override;

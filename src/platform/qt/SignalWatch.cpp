@@ -12,10 +12,13 @@ namespace fldc {
 namespace {
 
 volatile std::sig_atomic_t signalPipe = -1;
+volatile std::sig_atomic_t firstSignal = 0;
 
-extern "C" void writeToSignalPipe(int)
+extern "C" void writeToSignalPipe(int signal)
 {
     const int savedErrno = errno;
+    if (firstSignal == 0)
+        firstSignal = signal;
     // A full pipe is fine: the notifier has something to read already.
     [[maybe_unused]] const auto count = ::write(signalPipe, "s", 1);
     errno = savedErrno;
@@ -34,6 +37,7 @@ SignalWatch::SignalWatch(std::function<void()> callback) : m_callback(std::move(
     QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
                      [this] { callGuarded([this] { notice(); }); });
     signalPipe = m_writeEnd.get();
+    firstSignal = 0;
     handle(SIGPIPE, SIG_IGN);
     handle(SIGINT, writeToSignalPipe);
     handle(SIGTERM, writeToSignalPipe);
@@ -47,6 +51,11 @@ SignalWatch::~SignalWatch()
     for (const auto& [signal, action] : m_previous)
         ::sigaction(signal, &action, nullptr);
     signalPipe = -1;
+}
+
+int SignalWatch::received() const
+{
+    return firstSignal;
 }
 
 void SignalWatch::handle(int signal, void (*handler)(int))

@@ -23,6 +23,12 @@ public:
     SignalWatch(const SignalWatch&) = delete;
     SignalWatch& operator=(const SignalWatch&) = delete;
 
+    /// The first signal that came since the watch was made, be the event loop run or not; 0 for
+    /// none.
+    [[nodiscard]] int received() const;
+    /// Becomes readable when a signal comes whose callback has not yet been called.
+    [[nodiscard]] int descriptor() const { return m_readEnd.get(); }
+
 private:
     void handle(int signal, void (*handler)(int));
     void notice();

@@ -36,4 +36,10 @@ QString bootFileFor(QStringView identifier)
     return QString::fromUtf16(found == bootFiles.end() ? defaultBootFile : found->fileName);
 }
 
+bool isBootFile(QStringView fileName)
+{
+    return std::ranges::any_of(
+        bootFiles, [&](const BootFile& file) { return fileName == QStringView(file.fileName); });
+}
+
 } // namespace fldc

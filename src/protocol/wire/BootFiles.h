@@ -12,4 +12,8 @@ namespace fldc {
 /// characters, the last one "*"; compared exactly). Unknown identifiers have a default file.
 [[nodiscard]] QString bootFileFor(QStringView identifier);
 
+/// True for the name (without folder, compared exactly) of a file that some radio is sent as its
+/// boot application.
+[[nodiscard]] bool isBootFile(QStringView fileName);
+
 } // namespace fldc

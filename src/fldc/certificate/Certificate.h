@@ -1,0 +1,66 @@
+#pragma once
+
+#include "fldc/files/FirmwareFile.h"
+#include "fldc/output/ObjectKinds.h"
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QMap>
+#include <QString>
+
+#include <vector>
+
+namespace fldc::cli {
+
+/// What belongs to a download besides what it tells.
+struct CertificateFacts {
+    QString unit;
+    QString job;
+    QString start;       ///< as a line's "time"
+    QJsonObject started; ///< the line
+    QJsonValue adapter;  ///< a kind::certificateAdapter, or null
+};
+
+/// The certificate of one download, put together from the same objects that --json prints.
+class Certificate {
+public:
+    /// @p files: those of the command line, for the checksums of their tables.
+    explicit Certificate(CertificateFacts facts, const std::vector<FirmwareFile>& files);
+
+    /// Takes what it needs of the objects told. An erase makes the tables of the present target
+    /// void that were written before it.
+    void hear(const ObjectKind& kind, const QJsonObject& object);
+
+    /// The whole, now that the result is known.
+    [[nodiscard]] QJsonObject toJson(const QJsonObject& result) const;
+
+private:
+    /// An image's table, by file (from 1), tag and address.
+    [[nodiscard]] static QString tableKey(int file, const QString& tag, qint64 address);
+
+    void hearConfiguration(const QJsonObject& object);
+    void hearTable(const QJsonObject& object);
+    void hearBlocks(const QJsonObject& object);
+
+    struct Target {
+        QJsonObject object;
+        QJsonArray tables;
+        bool locked = false;
+    };
+
+    CertificateFacts m_facts;
+    QMap<QString, QString> m_checksums; ///< by tableKey()
+    QJsonValue m_radio{QJsonValue::Null};
+    QJsonValue m_bootApplication{QJsonValue::Null};
+    QJsonValue m_speed{QJsonValue::Null};
+    QJsonValue m_before{QJsonValue::Null};
+    QJsonValue m_after{QJsonValue::Null};
+    std::vector<Target> m_targets;
+    QJsonArray m_retries;
+};
+
+/// Which components the second configuration has and the first has not, and the other way round; a
+/// component that changed stands in both. Null when one of them was not read.
+[[nodiscard]] QJsonValue configurationDifference(const QJsonValue& before, const QJsonValue& after);
+
+} // namespace fldc::cli

@@ -1,0 +1,59 @@
+#include "fldc/commands/CommandTable.h"
+
+#include <algorithm>
+
+namespace fldc::cli {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr std::array table{
+    Command{"ports", "List the serial ports, without opening one", PortUse::None, {}, runPorts},
+    Command{"report",
+            "Read the radio's configurations",
+            PortUse::Needed,
+            {addPortOrDefault, addLogOn},
+            runReport},
+    Command{"download",
+            "Write firmware files into the radio",
+            PortUse::Needed,
+            {addPort, addFiles, addLogOn, addDownload},
+            runDownload},
+    Command{"erase",
+            "Erase components of the radio",
+            PortUse::Needed,
+            {addPort, addComponents, addLogOn},
+            runErase},
+    Command{"inspect",
+            "Show what firmware files hold; needs no radio",
+            PortUse::None,
+            {addFiles},
+            runInspect},
+    Command{"plan",
+            "Tell what a download would do, and how long it would take",
+            PortUse::Optional,
+            {addFiles, addPortOption, addCompression, addLogOn},
+            runPlan},
+    Command{"doctor",
+            "Tell why a port can't be used; sends nothing",
+            PortUse::Optional,
+            {addPortOrDefault},
+            runDoctor},
+    Command{"certificate", "Show a certificate", PortUse::None, {addOneFile}, runCertificate},
+};
+
+} // namespace
+
+std::span<const Command> commands()
+{
+    return table;
+}
+
+const Command* findCommand(std::string_view name)
+{
+    const auto* found = std::ranges::find(table, name, &Command::name);
+    return found == table.end() ? nullptr : found;
+}
+
+} // namespace fldc::cli

@@ -1,0 +1,84 @@
+#include "firmware/colFiles.h"
+#include "fldc/certificate/CertificateKeeper.h"
+#include "fldc/commands/CommandTable.h"
+#include "fldc/commands/Steps.h"
+#include "fldc/files/InputFiles.h"
+#include "fldc/files/NamedPort.h"
+#include "fldc/options/Options.h"
+#include "fldc/output/Output.h"
+#include "fldc/radio/RadioRun.h"
+#include "fldc/radio/Verdict.h"
+
+#include <array>
+
+namespace fldc::cli {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// The entries of the component's list of speeds.
+constexpr std::array speeds{std::string_view("auto"), std::string_view("115200"),
+                            std::string_view("19200"), std::string_view("9600"),
+                            std::string_view("57600")};
+
+std::int32_t speedIndex(const std::string& speed)
+{
+    return static_cast<std::int32_t>(std::ranges::find(speeds, speed) - speeds.begin());
+}
+
+QHash<QString, std::int32_t> filesOfImages(const LoadedFirmware& firmware)
+{
+    QHash<QString, std::int32_t> numbers;
+    std::int32_t number = 0;
+    for (const FirmwareFile& file : firmware.files) {
+        ++number;
+        for (const auto& image : file.images)
+            numbers.insert(image->Name(), number);
+    }
+    return numbers;
+}
+
+std::optional<Outcome> refuseFpga(const Context& context, const LoadedFirmware& firmware)
+{
+    const auto isFpga = [](const auto& image) { return image->TagName().startsWith(u"JVA1G"); };
+    if (context.options.allowFpga || std::ranges::none_of(firmware.images->items(), isFpga))
+        return std::nullopt;
+    return usageError(u"A file holds an FPGA image, which may damage the radio."_s,
+                      u"Read the release notes; then allow it with --allow-fpga."_s);
+}
+
+QString fileList(const Context& context)
+{
+    QStringList keys;
+    for (const InputFile& file : context.files.items())
+        keys.append(file.key);
+    return keys.join(QChar::Null);
+}
+
+} // namespace
+
+Outcome runDownload(Context& context)
+{
+    LoadedFirmware firmware;
+    if (auto ended = loadFirmware(context, firmware))
+        return *ended;
+    if (auto ended = refuseFpga(context, firmware))
+        return *ended;
+    if (auto ended = keepCertificate(context, firmware))
+        return *ended;
+
+    RadioRun run(context, context.port.device, filesOfImages(firmware));
+    if (auto ended = run.openLog())
+        return *ended;
+    clsDLManager& manager = run.manager();
+    manager.setCompression(compressionOf(context));
+    manager.setSpeedEntry(speedIndex(context.options.speed));
+    manager.setAccessLevel(context.options.specialLogOn ? UNLIMITED_ACCESS : DEFAULT_ACCESS);
+    manager.LoadFilesByPath(fileList(context), QString(QChar::Null));
+    QString unused;
+    (void)manager.DownLoad(unused);
+    return verdictOfDownload(run.record(), firmware.images->items());
+}
+
+} // namespace fldc::cli

@@ -1,0 +1,74 @@
+#include "fldc/commands/CommandTable.h"
+#include "fldc/output/Output.h"
+#include "platform/linux/DeviceFacts.h"
+#include "platform/qt/SettingsFile.h"
+#include "platform/qt/serial/PortListing.h"
+
+#include <array>
+
+namespace fldc::cli {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+/// A port that is not there can't be used either; the description says so.
+constexpr std::array<QStringView, 4> stateNames{u"free", u"in use", u"no permission", u"in use"};
+
+QJsonValue textOrNull(const QString& text)
+{
+    return text.isEmpty() ? QJsonValue() : QJsonValue(validText(text));
+}
+
+QString descriptionOf(const DeviceFacts& facts)
+{
+    return facts.state == PortState::NoDevice ? u"no such device"_s : facts.hardware.description;
+}
+
+QJsonObject portObject(const QString& name, const DeviceFacts& facts)
+{
+    const auto user = facts.user();
+    const bool isSeen = user && user->pid != 0;
+    return makeObject(
+        kind::port, {{"name"_L1, name},
+                     {"device"_L1, validText(facts.device)},
+                     {"stable"_L1, textOrNull(facts.stableNames.value(0))},
+                     {"description"_L1, textOrNull(descriptionOf(facts))},
+                     {"vendor"_L1, textOrNull(facts.hardware.vendor)},
+                     {"product"_L1, textOrNull(facts.hardware.product)},
+                     {"serial"_L1, textOrNull(facts.hardware.serial)},
+                     {"state"_L1, stateNames.at(static_cast<std::size_t>(facts.state)).toString()},
+                     {"pid"_L1, isSeen ? QJsonValue(static_cast<qint64>(user->pid)) : QJsonValue()},
+                     {"program"_L1, isSeen ? textOrNull(user->program) : QJsonValue()}});
+}
+
+QString portLine(const QString& name, const DeviceFacts& facts)
+{
+    QString state = stateNames.at(static_cast<std::size_t>(facts.state)).toString();
+    if (const auto user = facts.user(); user && facts.state == PortState::InUse)
+        state += user->pid == 0 ? u" by a process that can't be seen"_s
+                                : u" by %1 (%2)"_s.arg(user->program).arg(user->pid);
+    return u"%1 %2 %3  %4\n"_s.arg(name, -7)
+        .arg(facts.device, -20)
+        .arg(descriptionOf(facts), -24)
+        .arg(state);
+}
+
+} // namespace
+
+Outcome runPorts(Context& context)
+{
+    const SettingsFile settings(SettingsFile::defaultPath());
+    const PortMap devices = PortListing(settings).devices();
+    DeviceInspector inspector(LinuxSystem::thisMachine());
+    for (auto each = devices.constBegin(); each != devices.constEnd(); ++each) {
+        const QString name = u"COM%1"_s.arg(each.key());
+        const DeviceFacts facts = inspector.facts(each.value());
+        context.output.tell(kind::port, portObject(name, facts));
+        context.output.print(portLine(name, facts));
+    }
+    return done(devices.isEmpty() ? u"This machine has no serial ports."_s
+                                  : u"%1 ports."_s.arg(devices.size()));
+}
+
+} // namespace fldc::cli

@@ -1,0 +1,95 @@
+#include "fldc/files/FirmwareFile.h"
+
+#include "firmware/SRecordReader.h"
+#include "firmware/check/RecordCheck.h"
+#include "fldc/files/InputFiles.h"
+#include "fldc/output/Messages.h"
+#include "platform/ShowError.h"
+
+#include <algorithm>
+
+namespace fldc::cli {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+FileError errorOf(const RecordFault& fault)
+{
+    FileError error{fault.line, fault.reason(), std::nullopt};
+    if (fault.kind == RecordFault::Kind::Checksum)
+        error.checksum = {fault.expected, fault.found};
+    return error;
+}
+
+bool makesNotValid(const FileError& error)
+{
+    return !error.checksum;
+}
+
+// Why the component's reader would not take the file, or only with fields that it could not read.
+std::optional<FileError> readingError(const InputFile& input, InputFiles& files,
+                                      const std::shared_ptr<colFiles>& images,
+                                      Compression compression)
+{
+    CountedMessages boxes;
+    const ErrorBoxScope scope(boxes);
+    if (const auto notValid = SRecordReader(files, images, compression).read(input.key))
+        return FileError{notValid->line, notValid->reason, std::nullopt};
+    if (boxes.count() > 0)
+        return FileError{0, u"%1 fields can't be read: %2"_s.arg(boxes.count()).arg(boxes.first()),
+                         std::nullopt};
+    return std::nullopt;
+}
+
+void addRecordErrors(std::vector<FileError>& errors, const InputFile& input)
+{
+    const qint64 known = errors.empty() ? 0 : errors.front().line;
+    for (const RecordFault& fault : checkRecords(input.content->bytes())) {
+        // The reader has said more of the line at which it stopped.
+        if (fault.line != known || fault.kind == RecordFault::Kind::Checksum)
+            errors.push_back(errorOf(fault));
+    }
+    std::ranges::stable_sort(errors, {}, &FileError::line);
+}
+
+} // namespace
+
+QString FirmwareFile::firstFault() const
+{
+    const auto error = std::ranges::find_if(errors, makesNotValid);
+    if (error == errors.end())
+        return {};
+    const QString line = error->line == 0 ? QString() : u", line %1"_s.arg(error->line);
+    return input->path + line + u": "_s + error->reason;
+}
+
+FirmwareFile readFirmware(const InputFile& input, InputFiles& files,
+                          const std::shared_ptr<colFiles>& images, Compression compression)
+{
+    FirmwareFile file;
+    file.input = &input;
+    if (!input.content) {
+        file.errors.push_back({0, input.failure, std::nullopt});
+        file.code = input.missing ? Code::FileDoesNotExist : Code::FileFormatNotValid;
+        return file;
+    }
+    if (const auto error = readingError(input, files, images, compression))
+        file.errors.push_back(*error);
+    addRecordErrors(file.errors, input);
+
+    // Only data records count: the reader itself judges the header, and no other record's bytes
+    // are used.
+    file.valid = std::ranges::none_of(file.errors, makesNotValid);
+    if (!file.valid) {
+        file.code = Code::FileFormatNotValid;
+        return file;
+    }
+    for (const auto& image : images->items()) {
+        if (image->SourcePath() == input.key && !image->Rejected())
+            file.images.push_back(image);
+    }
+    return file;
+}
+
+} // namespace fldc::cli

@@ -1,0 +1,108 @@
+#include "fldc/options/CommandLine.h"
+
+#include "fldc/commands/CommandTable.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <array>
+
+namespace fldc::cli {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+constexpr const char* description =
+    "Downloads firmware to two-way radios, for scripts, production lines and people.\n";
+constexpr const char* footer =
+    "\nfldc COMMAND --help shows the options of a command. With --json the last line of standard\n"
+    "output is the result; its exit codes are explained in docs/fldc.md.\n";
+
+// Also where nothing else of the command line is understood.
+bool asksForJson(const std::vector<std::string>& arguments)
+{
+    const auto end = std::ranges::find(arguments, "--");
+    return std::any_of(arguments.begin(), end, [](const std::string& argument) {
+        return argument == "--json" || argument.starts_with("--json=");
+    });
+}
+
+void declare(CLI::App& app, const Command& command, Options& options)
+{
+    CLI::App& added = *app.add_subcommand(command.name, command.summary);
+    for (const OptionGroup add : command.groups) {
+        if (add != nullptr)
+            add(added, options);
+    }
+    addGeneral(added, options);
+}
+
+const Command* recognised(const CLI::App& app)
+{
+    const auto found = app.get_subcommands();
+    return found.empty() ? nullptr : findCommand(found.front()->get_name());
+}
+
+Outcome wrongUsage(const CLI::App& app, const Command* command, const CLI::ParseError& error)
+{
+    const auto text = [](const std::string& bytes) { return QString::fromStdString(bytes); };
+    if (command != nullptr)
+        return usageError(text(error.what()),
+                          u"`fldc %1 --help` shows its options."_s.arg(text(command->name)));
+    const auto left = app.remaining();
+    const QString advice = u"`fldc --help` lists the commands."_s;
+    if (left.empty() || left.front().starts_with('-'))
+        return usageError(left.empty() ? u"No command was given."_s : text(error.what()), advice);
+    return usageError(u"There is no command \"%1\"."_s.arg(text(left.front())), advice);
+}
+
+// A PORT that was left out, or is "-", is the one that FLDC_PORT names; a command to which a port
+// is an option goes without.
+std::optional<Outcome> completePort(const Command& command, Options& options)
+{
+    const bool wanted = command.port != PortUse::None &&
+                        (command.port == PortUse::Needed || options.port.has_value());
+    if (!wanted || (options.port && *options.port != "-")) {
+        if (options.port && options.port->empty())
+            return usageError(u"The port's name is empty."_s, u"Give PORT, or - for FLDC_PORT."_s);
+        return std::nullopt;
+    }
+    const QByteArray port = qgetenv("FLDC_PORT");
+    if (port.isEmpty())
+        return usageError(u"No port was named."_s, u"Give PORT, or set the variable FLDC_PORT."_s);
+    options.port = port.toStdString();
+    return std::nullopt;
+}
+
+} // namespace
+
+CommandLine readCommandLine(const std::vector<std::string>& arguments)
+{
+    CommandLine line;
+    CLI::App app(description, "fldc");
+    app.footer(footer);
+    app.require_subcommand(1);
+    addGeneral(app, line.options);
+    for (const Command& command : commands())
+        declare(app, command, line.options);
+    try {
+        app.parse(
+            std::vector<std::string>(arguments.rbegin(), arguments.rend())); // as it wants them
+        line.command = recognised(app);
+        line.error = completePort(*line.command, line.options);
+    } catch (const CLI::CallForHelp&) {
+        line.text = QString::fromStdString(app.help());
+    } catch (const CLI::CallForAllHelp&) {
+        line.text = QString::fromStdString(app.help("", CLI::AppFormatMode::All));
+    } catch (const CLI::CallForVersion& version) {
+        line.text = QString::fromUtf8(version.what()) + u'\n';
+    } catch (const CLI::ParseError& error) {
+        line.command = recognised(app);
+        line.error = wrongUsage(app, line.command, error);
+    }
+    line.options.json = line.options.json || asksForJson(arguments);
+    return line;
+}
+
+} // namespace fldc::cli

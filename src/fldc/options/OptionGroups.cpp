@@ -1,0 +1,114 @@
+#include "fldc/options/OptionGroups.h"
+
+#include "fldc/options/Options.h"
+#include "platform/qt/ProgramInfo.h"
+
+#include <CLI/CLI.hpp>
+
+namespace fldc::cli {
+
+namespace {
+
+constexpr const char* portHelp =
+    "COM3, 3, a device path, usb:SERIAL or a pinned name; - for the variable FLDC_PORT";
+
+// Without this a name in square brackets would be taken for a list.
+template <class Value>
+CLI::Option* addNames(CLI::App& command, const char* name, Value& names, const char* help)
+{
+    return command.add_option(name, names, help)->allow_extra_args(false)->required();
+}
+
+} // namespace
+
+void addPort(CLI::App& command, Options& options)
+{
+    command.add_option("PORT", options.port, portHelp)->required();
+}
+
+void addPortOrDefault(CLI::App& command, Options& options)
+{
+    command.add_option("PORT", options.port, portHelp);
+}
+
+void addPortOption(CLI::App& command, Options& options)
+{
+    command.add_option("--port", options.port, portHelp)->type_name("PORT");
+}
+
+void addFiles(CLI::App& command, Options& options)
+{
+    addNames(command, "FILE", options.files,
+             "Firmware files; behind -- also names that begin with -")
+        ->expected(-1);
+}
+
+void addOneFile(CLI::App& command, Options& options)
+{
+    addNames(command, "FILE", options.files, "A certificate")->expected(1);
+}
+
+void addComponents(CLI::App& command, Options& options)
+{
+    addNames(command, "COMPONENT", options.components,
+             "Product identifiers as the report shows them, or #2 for the second of its list")
+        ->expected(-1);
+}
+
+void addLogOn(CLI::App& command, Options& options)
+{
+    command.add_option("--boot-files", options.bootFiles, "Folder of the boot applications")
+        ->type_name("DIR");
+    command
+        .add_option("--power-cycle-wait", options.powerCycleWait,
+                    "How long to wait for a radio that must be switched off and on")
+        ->type_name("S")
+        ->check(CLI::Range(0, 1'000'000));
+}
+
+void addDownload(CLI::App& command, Options& options)
+{
+    command.add_option("--speed", options.speed, "Speed of the line")
+        ->type_name("BAUD")
+        ->check(CLI::IsMember({"auto", "115200", "57600", "19200", "9600"}));
+    command.add_flag("--special-log-on", options.specialLogOn,
+                     "Log on by the special sequence, behind a power cycle");
+    command.add_flag("--allow-fpga", options.allowFpga, "Write FPGA images too (special log-on)");
+    addCompression(command, options);
+    command.add_option("--unit", options.unit, "The radio's name in the certificate")
+        ->type_name("TEXT");
+    command.add_option("--job", options.job, "The job's name in the certificate")
+        ->type_name("TEXT");
+    command
+        .add_option("--certificate", options.certificate, "Write a certificate into this folder")
+        ->type_name("DIR");
+}
+
+void addCompression(CLI::App& command, Options& options)
+{
+    command.add_option("--compression", options.compression, "How the data are compressed")
+        ->type_name("standard|best")
+        ->check(CLI::IsMember({"standard", "best"}));
+}
+
+void addRounds(CLI::App& command, Options& options)
+{
+    command.add_option("--rounds", options.rounds, "Exchanges at each speed")
+        ->type_name("N")
+        ->check(CLI::Range(1, 1'000'000))
+        ->capture_default_str();
+}
+
+void addGeneral(CLI::App& command, Options& options)
+{
+    const ProgramVersion version = ProgramInfo().version();
+    command.add_flag("--json", options.json, "Print JSON Lines on standard output")
+        ->disable_flag_override();
+    command.add_option("--log", options.log, "Append every exchange with the radio to this file")
+        ->type_name("FILE");
+    command.set_version_flag("--version", "fldc " + std::to_string(version.major) + "." +
+                                              std::to_string(version.minor) + "." +
+                                              std::to_string(version.revision));
+}
+
+} // namespace fldc::cli

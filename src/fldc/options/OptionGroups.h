@@ -1,0 +1,28 @@
+#pragma once
+
+namespace CLI {
+class App;
+}
+
+namespace fldc::cli {
+
+struct Options;
+
+/// Adds options or arguments to a command; they are read into the Options, which must outlive the
+/// App.
+using OptionGroup = void (*)(CLI::App& command, Options& options);
+
+void addPort(CLI::App& command, Options& options);          ///< PORT
+void addPortOrDefault(CLI::App& command, Options& options); ///< [PORT]
+void addPortOption(CLI::App& command, Options& options);    ///< --port PORT
+void addFiles(CLI::App& command, Options& options);         ///< FILE...
+void addOneFile(CLI::App& command, Options& options);       ///< FILE
+void addComponents(CLI::App& command, Options& options);    ///< COMPONENT...
+void addLogOn(CLI::App& command, Options& options);         ///< of every command that logs on
+void addDownload(CLI::App& command, Options& options);
+void addCompression(CLI::App& command, Options& options);
+void addRounds(CLI::App& command, Options& options);
+/// --json, --log and --version, which stand before or behind the command.
+void addGeneral(CLI::App& command, Options& options);
+
+} // namespace fldc::cli

@@ -1,0 +1,105 @@
+#include "fldc/output/JsonObject.h"
+
+#include "platform/PlatformFailure.h"
+
+#include <QDateTime>
+#include <QJsonDocument>
+
+#include <algorithm>
+
+namespace fldc::cli {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+[[noreturn]] void throwWrongKey(const ObjectKind& kind, QLatin1StringView key)
+{
+    throw PlatformFailure(FailureNumber::Internal, u"JSON object %1, key %2"_s.arg(kind.name, key));
+}
+
+// Whether the kind has the key: 1 when every object of the kind must have it, 2 when some do.
+int keyOf(const ObjectKind& kind, QLatin1StringView key)
+{
+    for (const QLatin1StringView known : kind.keys.tokenize(u' ')) {
+        if (known == key)
+            return 1;
+        if (known.endsWith(u'?') && known.chopped(1) == key)
+            return 2;
+    }
+    throwWrongKey(kind, key);
+}
+
+int requiredKeys(const ObjectKind& kind)
+{
+    int count = 0;
+    for (const QLatin1StringView key : kind.keys.tokenize(u' ', Qt::SkipEmptyParts))
+        count += key.endsWith(u'?') ? 0 : 1;
+    return count;
+}
+
+int insertFields(QJsonObject& object, const ObjectKind& kind, Fields fields)
+{
+    int required = 0;
+    for (const auto& [key, value] : fields) {
+        required += keyOf(kind, key) == 1 ? 1 : 0;
+        if (object.contains(key))
+            throwWrongKey(kind, key);
+        object.insert(key, value.isString() ? QJsonValue(validText(value.toString())) : value);
+    }
+    return required;
+}
+
+} // namespace
+
+QJsonObject makeObject(const ObjectKind& kind, Fields fields)
+{
+    QJsonObject object;
+    if (insertFields(object, kind, fields) != requiredKeys(kind))
+        throwWrongKey(kind, "missing"_L1);
+    return object;
+}
+
+QJsonObject extended(QJsonObject object, const ObjectKind& kind, Fields more)
+{
+    (void)insertFields(object, kind, more);
+    return object;
+}
+
+QByteArray jsonLine(const ObjectKind& kind, QJsonObject object)
+{
+    object.insert("type"_L1, QString(kind.name));
+    object.insert("time"_L1, utcNow());
+    return QJsonDocument(object).toJson(QJsonDocument::Compact) + '\n';
+}
+
+QString validText(const QString& text)
+{
+    if (text.isValidUtf16())
+        return text;
+    QString valid = text;
+    for (qsizetype i = 0; i < valid.size(); ++i) {
+        const bool pair =
+            valid[i].isHighSurrogate() && i + 1 < valid.size() && valid[i + 1].isLowSurrogate();
+        if (pair)
+            ++i;
+        else if (valid[i].isSurrogate())
+            valid[i] = QChar::ReplacementCharacter;
+    }
+    return valid;
+}
+
+QJsonArray jsonTexts(const QStringList& texts)
+{
+    QJsonArray array;
+    for (const QString& text : texts)
+        array.append(validText(text));
+    return array;
+}
+
+QString utcNow()
+{
+    return QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs);
+}
+
+} // namespace fldc::cli

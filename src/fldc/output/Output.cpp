@@ -1,0 +1,56 @@
+#include "fldc/output/Output.h"
+
+#include "fldc/Outcome.h"
+
+#include <unistd.h>
+
+#include <utility>
+
+namespace fldc::cli {
+
+Output::Output(bool json, std::function<void()> onLost)
+    : m_json(json), m_standard(STDOUT_FILENO, std::move(onLost)), m_terminal(STDERR_FILENO)
+{
+}
+
+void Output::tell(const ObjectKind& kind, const QJsonObject& object)
+{
+    if (m_ended)
+        return;
+    if (m_json)
+        m_standard.write(jsonLine(kind, object));
+    if (m_hearer)
+        m_hearer(kind, object);
+}
+
+void Output::print(const QString& text)
+{
+    if (!m_json && !m_ended)
+        printAlways(printable(text));
+}
+
+void Output::printAlways(const QString& text)
+{
+    m_terminal.endLine();
+    m_standard.write(text.toUtf8());
+}
+
+void Output::tellResult(const QJsonObject& object, const Outcome& outcome)
+{
+    tell(kind::result, object);
+    if (!outcome.ok())
+        m_terminal.complain(outcome.message, outcome.advice);
+    else if (!outcome.advice.isEmpty())
+        print(outcome.message + u'\n' + outcome.advice + u'\n');
+    else
+        print(outcome.message + u'\n');
+    m_ended = true;
+}
+
+void Output::finish(int wakeDescriptor)
+{
+    m_standard.finish(wakeDescriptor);
+    m_terminal.finish(wakeDescriptor);
+}
+
+} // namespace fldc::cli

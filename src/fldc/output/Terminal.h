@@ -1,0 +1,42 @@
+#pragma once
+
+#include "fldc/output/ProgressView.h"
+#include "fldc/process/OutputStream.h"
+
+#include <QString>
+
+namespace fldc::cli {
+
+/// Standard error, for people: what happened, hints, notes and the progress. On a terminal texts
+/// have colours, unless NO_COLOR is set or the terminal is a dumb one.
+class Terminal {
+public:
+    explicit Terminal(int descriptor);
+
+    /// "fldc: what happened", and "hint: what to do" when there is a hint.
+    void complain(const QString& what, const QString& hint = {});
+    /// A line of its own.
+    void note(const QString& text);
+    void show(const Progress& progress);
+    /// Behind the last text.
+    void finish(int wakeDescriptor);
+
+    [[nodiscard]] bool isTerminal() const { return m_stream.isTerminal(); }
+    /// Ends a progress line that is open, for somebody else's text.
+    void endLine();
+
+private:
+    [[nodiscard]] QString coloured(QStringView label, int colour) const;
+    void write(const QString& text);
+
+    OutputStream m_stream;
+    bool m_isCapable; ///< understands the control sequences of a terminal
+    bool m_hasColours;
+    ProgressView m_progress;
+};
+
+/// @p text without the control characters (but line ends) that a file name, a tag or an adapter's
+/// description may hold: a terminal would obey them.
+[[nodiscard]] QString printable(const QString& text);
+
+} // namespace fldc::cli

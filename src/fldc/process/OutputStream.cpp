@@ -1,0 +1,98 @@
+#include "fldc/process/OutputStream.h"
+
+#include "platform/qt/FileDescriptor.h"
+
+#include <algorithm>
+#include <array>
+#include <climits>
+#include <utility>
+
+#include <poll.h>
+#include <sys/stat.h>
+
+namespace fldc::cli {
+
+namespace {
+
+bool isRegularFile(int descriptor)
+{
+    struct stat status {};
+    return ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
+}
+
+} // namespace
+
+OutputStream::OutputStream(int descriptor, std::function<void()> onLost)
+    : m_descriptor(descriptor), m_onLost(std::move(onLost)),
+      m_isTerminal(::isatty(descriptor) == 1), m_isFile(isRegularFile(descriptor))
+{
+}
+
+void OutputStream::write(const QByteArray& text) noexcept
+{
+    if (m_error != 0)
+        return;
+    try {
+        m_pending += text;
+        while (writeWhatFits()) {
+        }
+    } catch (...) {
+        lose(ENOMEM);
+    }
+}
+
+// True when there is more to write and the output takes more now.
+bool OutputStream::writeWhatFits()
+{
+    const qsizetype left = m_pending.size() - m_written;
+    if (m_error != 0 || left == 0)
+        return false;
+    pollfd state{m_descriptor, POLLOUT, 0};
+    if (uninterrupted([&] { return ::poll(&state, 1, 0); }) == 0)
+        return false;
+    // Something that is ready takes PIPE_BUF bytes without blocking.
+    const qsizetype most = m_isFile ? left : std::min(left, qsizetype{PIPE_BUF});
+    const ssize_t count = uninterrupted([&] {
+        return ::write(m_descriptor, m_pending.constData() + m_written,
+                       static_cast<std::size_t>(most));
+    });
+    if (count == -1) {
+        if (errno != EAGAIN)
+            lose(errno);
+        return false;
+    }
+    m_written += count;
+    if (m_written < m_pending.size())
+        return true;
+    m_pending.clear();
+    m_written = 0;
+    return false;
+}
+
+void OutputStream::finish(int wakeDescriptor) noexcept
+{
+    std::array<char, 64> old{};
+    while (::read(wakeDescriptor, old.data(), old.size()) > 0) {
+    }
+    for (;;) {
+        while (writeWhatFits()) {
+        }
+        if (m_error != 0 || m_pending.isEmpty())
+            return;
+        std::array states{pollfd{m_descriptor, POLLOUT, 0}, pollfd{wakeDescriptor, POLLIN, 0}};
+        (void)::poll(states.data(), states.size(), -1);
+        if (states[1].revents != 0)
+            return;
+    }
+}
+
+void OutputStream::lose(int error)
+{
+    m_error = error;
+    m_pending.clear();
+    m_written = 0;
+    if (m_onLost)
+        m_onLost();
+}
+
+} // namespace fldc::cli

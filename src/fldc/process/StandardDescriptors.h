@@ -1,0 +1,26 @@
+#pragma once
+
+#include <csignal>
+
+namespace fldc::cli {
+
+/// Opens those of the descriptors 0 to 2 that are closed on /dev/null. Called before anything else
+/// opens a file: a serial line that became descriptor 1 would be sent every text of the program.
+void openStandardDescriptors();
+
+/// Holds back the signals that ask a program to end until something can take them.
+class HeldSignals {
+public:
+    HeldSignals();
+    ~HeldSignals() { release(); }
+    HeldSignals(const HeldSignals&) = delete;
+    HeldSignals& operator=(const HeldSignals&) = delete;
+
+    /// Those that came meanwhile arrive now.
+    void release();
+
+private:
+    sigset_t m_before{};
+};
+
+} // namespace fldc::cli

@@ -1,0 +1,44 @@
+#include "fldc/radio/RadioPlatform.h"
+
+#include "app/services/SettingsStore.h"
+#include "fldc/options/Options.h"
+
+#include <QDir>
+#include <QFile>
+
+namespace fldc::cli {
+
+RadioPlatform::RadioPlatform(const Platform& base, IFileService& files, const Options& options,
+                             const QString& device)
+    : m_port(device), m_controls(m_port), m_settings(base.settings),
+      m_program(base.program, options),
+      m_messages(base.messages, options), m_platform{base.events, base.timers, base.clock,
+                                                     files,       m_settings,  m_port,
+                                                     m_controls,  m_program,   m_messages}
+{
+}
+
+std::optional<QString> RadioPlatform::Settings::readText(const QString& name)
+{
+    return name == debugSetting ? QString(settingOff) : m_settings.readText(name);
+}
+
+QString RadioPlatform::Program::folder() const
+{
+    if (!m_options.bootFiles)
+        return m_program.folder();
+    return QDir(QFile::decodeName(QByteArray::fromStdString(*m_options.bootFiles))).absolutePath();
+}
+
+std::chrono::milliseconds RadioPlatform::Program::powerCycleLimit() const
+{
+    return m_options.powerCycleWait ? std::chrono::seconds(*m_options.powerCycleWait)
+                                    : m_program.powerCycleLimit();
+}
+
+bool RadioPlatform::Messages::askYesNo(const QString& text)
+{
+    return m_options.allowFpga || m_messages.askYesNo(text);
+}
+
+} // namespace fldc::cli

@@ -1,0 +1,148 @@
+"""fldc against simulated radios: exit code, lines and last line of each run, and the radio's flash against
+what the result says of it. Called with the paths of fldc, the simulator and the sample firmware."""
+
+import concurrent.futures
+import json
+import os
+import pathlib
+import signal
+import subprocess
+import sys
+import unittest
+
+sys.path.append(str(pathlib.Path(__file__).resolve().parent.parent / "end_to_end"))
+from workbench import Workbench, records  # noqa: E402
+
+PROGRAM, SIMULATOR = sys.argv[1], sys.argv[2]
+SAMPLES = pathlib.Path(sys.argv[3]).resolve()
+APPLICATION, DSP = SAMPLES / "rv4200/application.srec", SAMPLES / "rv4200/dsp.srec"
+OTHER, FPGA = SAMPLES / "rv4100/bundle.srec", SAMPLES / "rv4100/fpga.srec"
+DOWNLOAD = f"download PORT {APPLICATION}"
+
+# Arguments, faults of an RV4200, and the result: exit code, component's code, the radio, tags written.
+RUNS = [
+    (f"{DOWNLOAD} {DSP}", "", 0, 0, "restarted", "JHA2F-2.03 JHA2A-1.10"),
+    (f"download {APPLICATION}", "", 1, 0, "untouched", None),
+    (f"download PORT {FPGA}", "", 1, 0, "untouched", None),
+    (f"download PORT {OTHER}", "", 2, 37, "restarted", ""),
+    (f"{DOWNLOAD} /nowhere", "", 3, 33, "untouched", None),
+    (f"{DOWNLOAD} --boot-files /nowhere", "", 3, 33, "reset", ""),
+    (f"{DOWNLOAD} --log /nowhere/log", "", 3, 0, "untouched", None),
+    (f"download /dev/nowhere {APPLICATION}", "", 4, 11, "untouched", ""),
+    (DOWNLOAD, "silent-after=0 silent@start", 5, 42, "reset", ""),
+    (DOWNLOAD, "silent@32", 5, 42, "unlocked", ""),
+    (DOWNLOAD, "fault@42=810F", 6, 8113, "upgrade-mode", ""),
+    (DOWNLOAD, "fault@33=8103", 6, 8103, "unlocked", ""),
+    (DOWNLOAD, "silent@33", 7, 42, "erased", ""),
+    (DOWNLOAD, "busylist@33=AEAE0003", 7, 59, "erased", ""),
+    (DOWNLOAD, "hangup@3D:3", 7, 15, "partly-written", ""),
+    (DOWNLOAD, "silent@39", 7, 42, "written", ""),
+    (f"{DOWNLOAD} {DSP}", "fault@42:2=810F", 7, 8113, "locked", "JHA2F-2.03"),
+    (DOWNLOAD, "silent@31:2", 8, 42, "locked", "JHA2F-2.03"),
+    (f"{DOWNLOAD} {OTHER}", "", 9, 37, "restarted", "JHA2F-2.03"),
+    (DOWNLOAD, "fault@3D:2=8002 fault@33:1=8003", 0, 0, "restarted", "JHA2F-2.03"),
+    ("report PORT", "", 0, 0, "restarted", None),
+    ("report PORT", "silent@logon", 5, 22, "reset", None),
+    ("erase PORT #5", "", 0, 0, "erased", None),
+    ("erase PORT JHA2A-1.02", "silent@33", 7, 42, "erased", None),
+    ("erase PORT JHA2B-1.04", "", 2, 0, "restarted", None),
+    ("erase PORT nothing", "", 2, 0, "restarted", None),
+    (f"plan {APPLICATION} --port PORT", "", 0, 0, "restarted", None),
+    (f"plan {OTHER} --port PORT", "", 2, 0, "restarted", None),
+    ("doctor PORT", "", 0, 0, "untouched", None),
+    ("doctor /dev/nowhere", "", 4, 0, "untouched", None),
+    ("ports", "", 0, 0, "untouched", None),
+    ("no-command", "", 1, 0, "untouched", None),
+]
+
+
+def start(bench, arguments, **more):
+    words = [word.replace("PORT", str(bench.folder / "radio")) for word in arguments.split()]
+    return subprocess.Popen([PROGRAM, "--json", *words], env=bench.environment(), stdin=subprocess.DEVNULL,
+                            stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, **more)
+
+
+def whole(devices, path):
+    """Whether one memory device holds every record of the file."""
+    return all(any(content[(address - start) * unit:][:len(data)] == data
+                   for unit, start, content in devices.values() if address >= start)
+               for _, address, data in records(path))
+
+
+def run_case(case):
+    arguments, faults, code, error, radio, written = case
+    with Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200", faults.split()) as bench:
+        run = start(bench, arguments)
+        out, err = run.communicate(timeout=120)
+        lines = [json.loads(line) for line in out.splitlines()]
+        result = lines[-1]
+        found = (run.returncode, result["exit"], result["code"], result["radio"], result["ok"])
+        problems = [] if found == (code, code, error, radio, code == 0) else [f"{found}"]
+        if [line["type"] for line in lines].count("result") != 1 or not result["advice"]:
+            problems.append("not one result with advice")
+        if written is not None:
+            if result["written"] != written.split():
+                problems.append(f"written: {result['written']}")
+            devices, _ = bench.flash()
+            if whole(devices, APPLICATION) != ("JHA2F-2.03" in written or radio == "written"):
+                problems.append("the flash does not agree")
+        return problems + [out[-1500:], err] if problems else []
+
+
+class Runs(unittest.TestCase):
+    def test_results(self):
+        with concurrent.futures.ThreadPoolExecutor(8) as pool:
+            for case, problems in zip(RUNS, pool.map(run_case, RUNS)):
+                with self.subTest(case=case):
+                    self.assertFalse(problems, "\n".join(problems))
+
+    def test_a_certificate_tells_the_whole_download(self):
+        with Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200") as bench:
+            run = start(bench, f"{DOWNLOAD} --certificate {bench.folder}/c --unit 47/11 --job J")
+            out, _ = run.communicate(timeout=120)
+            self.assertEqual(run.returncode, 0, out)
+            (path,) = (bench.folder / "c").iterdir()
+            self.assertRegex(path.name, r"^[0-9A-Za-z.:_-]+-47_11\.json$")
+            certificate = json.loads(path.read_text())
+            self.assertEqual(json.loads(out.splitlines()[-1]) | certificate["result"],
+                             json.loads(out.splitlines()[-1]))
+            self.assertEqual([table["bytes"] for table in certificate["targets"][0]["tables"]], [5000, 1600])
+            shown = subprocess.run([PROGRAM, "certificate", path], capture_output=True, timeout=60, check=False)
+            self.assertEqual(shown.returncode, 0)
+
+    def test_signals_end_a_run_in_order(self):
+        for number, fault, radio in ((signal.SIGINT, "silent@31", "upgrade-mode"),
+                                     (signal.SIGTERM, "silent@3D", "partly-written"),
+                                     (signal.SIGHUP, "silent@31", "upgrade-mode")):
+            with self.subTest(number), Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200", [fault]) as bench:
+                run = start(bench, DOWNLOAD)
+                lines = []
+                for line in run.stdout:
+                    lines.append(json.loads(line))
+                    if lines[-1]["type"] == ("speed" if fault == "silent@31" else "table"):
+                        run.send_signal(number)
+                self.assertEqual(run.wait(60), 128 + number)
+                self.assertEqual((lines[-1]["exit"], lines[-1]["radio"]), (128 + number, radio))
+                run.stdout.close()
+                run.stderr.close()
+
+    def test_a_reader_that_goes_away_leaves_no_flash_half_written(self):
+        for until, whole_file in (("radio", False), ("table", True)):
+            with self.subTest(until), Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200") as bench:
+                run = start(bench, DOWNLOAD)
+                while json.loads(run.stdout.readline())["type"] != until:
+                    pass
+                run.stdout.close()
+                self.assertEqual(run.wait(60), 141)
+                run.stderr.close()
+                self.assertEqual(whole(bench.flash()[0], APPLICATION), whole_file)
+
+    def test_no_display_library_is_needed(self):
+        needed = subprocess.run(["ldd", PROGRAM], capture_output=True, text=True, check=True).stdout
+        for library in ("Qt6Gui", "Qt6Widgets", "Qt6DBus", "libX11", "libGL"):
+            self.assertNotIn(library, needed)
+
+
+if __name__ == "__main__":
+    os.umask(0o022)
+    unittest.main(argv=sys.argv[:1], verbosity=1)
