@@ -115,6 +115,7 @@ QJsonObject Program::tellStarted(const NamedPort& port, const InputFiles& files)
 // What the outcome is worth in the end: a signal or a lost output may stand before it.
 int Program::end(Outcome outcome, const SignalWatch& signalWatch)
 {
+    m_milliseconds = m_clock.elapsed();
     if (const int signal = signalWatch.received(); signal != 0) {
         if (outcome.ok())
             outcome.advice = u"Start again."_s;
@@ -166,7 +167,7 @@ QJsonObject Program::resultObject(const Outcome& outcome) const
                                   {"message"_L1, outcome.message},
                                   {"advice"_L1, adviceOf(outcome)},
                                   {"radio"_L1, outcome.radio},
-                                  {"seconds"_L1, static_cast<double>(m_clock.elapsed()) / 1000}});
+                                  {"seconds"_L1, static_cast<double>(m_milliseconds) / 1000}});
     if (const auto& download = outcome.download)
         object = extended(object, kind::result,
                           {{"written"_L1, jsonTexts(download->written)},

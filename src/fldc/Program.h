@@ -40,6 +40,7 @@ private:
     [[nodiscard]] QString commandName() const;
 
     QElapsedTimer m_clock;
+    qint64 m_milliseconds = 0; ///< of the whole run, once it has ended
     CommandLine m_line;
     OutputLoss m_outputLoss;
     Output m_output;
