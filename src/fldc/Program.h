@@ -4,9 +4,9 @@
 #include "fldc/output/Output.h"
 #include "fldc/process/OutputLoss.h"
 
-#include <QElapsedTimer>
 #include <QJsonObject>
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -35,10 +35,11 @@ private:
     [[nodiscard]] QJsonObject tellStarted(const InputFiles& files);
     void callBeforeResult(Outcome& outcome) const;
     [[nodiscard]] int end(Outcome outcome, const SignalWatch& signalWatch);
+    [[nodiscard]] int close(Exit exit, const SignalWatch& signalWatch);
     [[nodiscard]] QJsonObject resultObject(const Outcome& outcome) const;
     [[nodiscard]] QString commandName() const;
 
-    QElapsedTimer m_clock;
+    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
     CommandLine m_line;
     OutputLoss m_outputLoss;
     Output m_output;

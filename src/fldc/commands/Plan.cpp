@@ -74,8 +74,9 @@ Outcome runPlan(Context& context)
         kind::plan,
         makeObject(kind::plan, {{"images"_L1, images}, {"seconds"_L1, secondsBySpeed(total)}}));
     context.output.print(speedsText(total));
-    return done(u"%1 images would be written, each once where one component matches it; erasing is "
-                "not counted."_s.arg(images.size()));
+    return done(
+        (images.size() == 1 ? u"1 image"_s : u"%1 images"_s.arg(images.size())) +
+        u" would be written, once for each component that matches; erasing is not counted."_s);
 }
 
 } // namespace fldc::cli
