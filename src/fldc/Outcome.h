@@ -21,11 +21,6 @@ struct DownloadOutcome {
     std::int64_t wireBytes = 0;
 };
 
-/// What the result of a link test tells besides.
-struct LinkOutcome {
-    std::optional<std::int32_t> best; ///< baud
-};
-
 /// How a command ended; its result line is made from it.
 struct Outcome {
     Exit exit = Exit::Done;
@@ -34,7 +29,6 @@ struct Outcome {
     QString advice;                              ///< what to do next; empty: nothing is left to do
     QString radio = QStringLiteral("untouched"); ///< the session's name of the radio's state
     std::optional<DownloadOutcome> download;
-    std::optional<LinkOutcome> link;
 
     [[nodiscard]] bool ok() const { return exit == Exit::Done; }
 };

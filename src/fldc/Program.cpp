@@ -41,6 +41,15 @@ QString signalText(int number)
                                                      : u"SIGHUP"_s);
 }
 
+// To the millisecond.
+double secondsSince(std::chrono::steady_clock::time_point start)
+{
+    const auto passed = std::chrono::steady_clock::now() - start;
+    return static_cast<double>(
+               std::chrono::duration_cast<std::chrono::milliseconds>(passed).count()) /
+           1000;
+}
+
 QString adviceOf(const Outcome& outcome)
 {
     return outcome.advice.isEmpty() ? u"Nothing is left to do."_s : outcome.advice;
@@ -52,7 +61,6 @@ Program::Program(const std::vector<std::string>& arguments)
     : m_line(readCommandLine(arguments)),
       m_output(m_line.options.json, [this] { m_outputLoss.lost(); })
 {
-    m_clock.start();
 }
 
 int Program::run(HeldSignals& held)
@@ -62,8 +70,7 @@ int Program::run(HeldSignals& held)
     held.release();
     if (!m_line.text.isEmpty()) {
         m_output.printAlways(m_line.text);
-        m_output.finish(signalWatch.descriptor());
-        return static_cast<int>(m_outputLoss.isLost() ? Exit::OutputLost : Exit::Done);
+        return close(Exit::Done, signalWatch);
     }
     Outcome outcome;
     try {
@@ -115,7 +122,7 @@ QJsonObject Program::tellStarted(const NamedPort& port, const InputFiles& files)
 // What the outcome is worth in the end: a signal or a lost output may stand before it.
 int Program::end(Outcome outcome, const SignalWatch& signalWatch)
 {
-    m_milliseconds = m_clock.elapsed();
+    m_seconds = secondsSince(m_start);
     if (const int signal = signalWatch.received(); signal != 0) {
         if (outcome.ok())
             outcome.advice = u"Start again."_s;
@@ -124,10 +131,12 @@ int Program::end(Outcome outcome, const SignalWatch& signalWatch)
                                                     : signalText(signal) + u' ' + outcome.message;
     }
     if (m_outputLoss.isLost()) {
+        if (outcome.ok())
+            outcome.advice = u"Start again with an output that can be written."_s;
         outcome.exit = foremost(outcome.exit, Exit::OutputLost);
-        outcome.message = u"Standard output can't be written: %1. "_s.arg(
+        outcome.message = u"Standard output can't be written: %1."_s.arg(
                               QString::fromLocal8Bit(std::strerror(m_output.error()))) +
-                          outcome.message;
+                          (outcome.message.isEmpty() ? QString() : u' ' + outcome.message);
     }
     callBeforeResult(outcome);
     try {
@@ -136,10 +145,17 @@ int Program::end(Outcome outcome, const SignalWatch& signalWatch)
         outcome = unexpectedFailure();
         m_output.tellResult(resultObject(outcome), outcome);
     }
-    m_output.finish(signalWatch.descriptor());
-    // The result itself may have been what could not be written.
-    return static_cast<int>(m_outputLoss.isLost() ? foremost(outcome.exit, Exit::OutputLost)
-                                                  : outcome.exit);
+    return close(outcome.exit, signalWatch);
+}
+
+// The last texts, the result itself among them, may be what could not be written.
+int Program::close(Exit exit, const SignalWatch& signalWatch)
+{
+    if (!m_output.finish(signalWatch.descriptor()))
+        exit = foremost(exit, exitOfSignal(signalWatch.received()));
+    if (m_outputLoss.isLost())
+        exit = foremost(exit, Exit::OutputLost);
+    return static_cast<int>(exit);
 }
 
 void Program::callBeforeResult(Outcome& outcome) const
@@ -159,15 +175,14 @@ void Program::callBeforeResult(Outcome& outcome) const
 
 QJsonObject Program::resultObject(const Outcome& outcome) const
 {
-    QJsonObject object =
-        makeObject(kind::result, {{"command"_L1, commandName()},
-                                  {"ok"_L1, outcome.ok()},
-                                  {"exit"_L1, static_cast<int>(outcome.exit)},
-                                  {"code"_L1, static_cast<int>(outcome.code)},
-                                  {"message"_L1, outcome.message},
-                                  {"advice"_L1, adviceOf(outcome)},
-                                  {"radio"_L1, outcome.radio},
-                                  {"seconds"_L1, static_cast<double>(m_milliseconds) / 1000}});
+    QJsonObject object = makeObject(kind::result, {{"command"_L1, commandName()},
+                                                   {"ok"_L1, outcome.ok()},
+                                                   {"exit"_L1, static_cast<int>(outcome.exit)},
+                                                   {"code"_L1, static_cast<int>(outcome.code)},
+                                                   {"message"_L1, outcome.message},
+                                                   {"advice"_L1, adviceOf(outcome)},
+                                                   {"radio"_L1, outcome.radio},
+                                                   {"seconds"_L1, m_seconds}});
     if (const auto& download = outcome.download)
         object = extended(object, kind::result,
                           {{"written"_L1, jsonTexts(download->written)},
@@ -176,9 +191,6 @@ QJsonObject Program::resultObject(const Outcome& outcome) const
                            {"baud"_L1, download->baud},
                            {"retries"_L1, download->retries},
                            {"wire_bytes"_L1, qint64{download->wireBytes}}});
-    if (const auto& link = outcome.link)
-        object = extended(object, kind::result,
-                          {{"best"_L1, link->best ? QJsonValue(*link->best) : QJsonValue()}});
     return object;
 }
 

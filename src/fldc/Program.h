@@ -4,9 +4,9 @@
 #include "fldc/output/Output.h"
 #include "fldc/process/OutputLoss.h"
 
-#include <QElapsedTimer>
 #include <QJsonObject>
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <vector>
@@ -36,11 +36,12 @@ private:
                                           const class InputFiles& files);
     void callBeforeResult(Outcome& outcome) const;
     [[nodiscard]] int end(Outcome outcome, const SignalWatch& signalWatch);
+    [[nodiscard]] int close(Exit exit, const SignalWatch& signalWatch);
     [[nodiscard]] QJsonObject resultObject(const Outcome& outcome) const;
     [[nodiscard]] QString commandName() const;
 
-    QElapsedTimer m_clock;
-    qint64 m_milliseconds = 0; ///< of the whole run, once it has ended
+    std::chrono::steady_clock::time_point m_start = std::chrono::steady_clock::now();
+    double m_seconds = 0; ///< that the whole run took, once it has ended
     CommandLine m_line;
     OutputLoss m_outputLoss;
     Output m_output;

@@ -112,14 +112,14 @@ class Runs(unittest.TestCase):
 
     def test_signals_end_a_run_in_order(self):
         for number, fault, radio in ((signal.SIGINT, "silent@31", "upgrade-mode"),
-                                     (signal.SIGTERM, "silent@3D", "partly-written"),
+                                     (signal.SIGTERM, "silent@3D:2", "partly-written"),
                                      (signal.SIGHUP, "silent@31", "upgrade-mode")):
             with self.subTest(number), Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200", [fault]) as bench:
                 run = start(bench, DOWNLOAD)
                 lines = []
                 for line in run.stdout:
                     lines.append(json.loads(line))
-                    if lines[-1]["type"] == ("speed" if fault == "silent@31" else "table"):
+                    if lines[-1]["type"] == ("speed" if fault == "silent@31" else "progress"):
                         run.send_signal(number)
                 self.assertEqual(run.wait(60), 128 + number)
                 self.assertEqual((lines[-1]["exit"], lines[-1]["radio"]), (128 + number, radio))

@@ -71,7 +71,8 @@ Outcome runCertificate(Context& context)
     const InputFile& file = context.files.items().front();
     if (!file.content)
         return failure(Exit::File, file.missing ? Code::FileDoesNotExist : Code::FileFormatNotValid,
-                       file.path + u": "_s + file.failure, u"Check the file's name and folder."_s);
+                       oneLine(file.path) + u": "_s + file.failure,
+                       u"Check the file's name and folder."_s);
     const auto bytes = file.content->bytes();
     const QJsonObject certificate =
         QJsonDocument::fromJson(QByteArray::fromRawData(reinterpret_cast<const char*>(bytes.data()),
@@ -79,7 +80,8 @@ Outcome runCertificate(Context& context)
             .object();
     if (certificate["type"_L1].toString() != kind::certificate.name ||
         !certificate["result"_L1].isObject())
-        return failure(Exit::File, Code::FileFormatNotValid, file.path + u": not a certificate"_s,
+        return failure(Exit::File, Code::FileFormatNotValid,
+                       oneLine(file.path) + u": not a certificate"_s,
                        u"Name a file that `fldc download --certificate` has written."_s);
 
     context.output.tell(kind::certificate, certificate);

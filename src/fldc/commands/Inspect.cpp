@@ -27,15 +27,17 @@ Outcome runInspect(Context& context)
         file.images.clear();
         files.push_back(std::move(file));
     }
+    if (context.wantsEnd())
+        return done({});
     if (!std::ranges::all_of(files, &FirmwareFile::valid))
         return notValid(files);
     const auto withChecksums =
         std::ranges::count_if(files, [](const FirmwareFile& file) { return !file.errors.empty(); });
-    if (withChecksums > 0)
-        return done(u"%1 of %2 valid files have records with wrong checksums."_s.arg(withChecksums)
-                        .arg(files.size()));
-    return done(files.size() == 1 ? u"The file is valid."_s
-                                  : u"All %1 files are valid."_s.arg(files.size()));
+    const QString valid =
+        files.size() == 1 ? u"The file is valid"_s : u"All %1 files are valid"_s.arg(files.size());
+    if (withChecksums == 0)
+        return done(valid + u'.');
+    return done(valid + u"; records with wrong checksums stand in %1."_s.arg(withChecksums));
 }
 
 } // namespace fldc::cli

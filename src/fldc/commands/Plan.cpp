@@ -144,8 +144,9 @@ Outcome runPlan(Context& context)
         radio ? u"%1 images would be written into %2 places; erasing is not counted."_s
                     .arg(images.size())
                     .arg(places)
-              : u"%1 images would be written, each once where one component matches it; erasing is "
-                "not counted."_s.arg(images.size());
+              : (images.size() == 1 ? u"1 image"_s : u"%1 images"_s.arg(images.size())) +
+                    u" would be written, once for each component that matches; erasing is not "
+                    "counted."_s;
     return outcome;
 }
 

@@ -4,6 +4,7 @@
 #include "firmware/check/RecordCheck.h"
 #include "fldc/files/InputFiles.h"
 #include "fldc/output/Messages.h"
+#include "fldc/output/Terminal.h"
 #include "platform/ShowError.h"
 
 #include <algorithm>
@@ -27,27 +28,26 @@ bool makesNotValid(const FileError& error)
     return !error.checksum;
 }
 
-// Why the component's reader would not take the file, or only with fields that it could not read.
+// Why the component's reader does not take the file. It does take one with fields that it can't
+// read, and shows a box for each; these are put into @p boxes.
 std::optional<FileError> readingError(const InputFile& input, InputFiles& files,
                                       const std::shared_ptr<colFiles>& images,
-                                      Compression compression)
+                                      Compression compression, CountedMessages& boxes)
 {
-    CountedMessages boxes;
     const ErrorBoxScope scope(boxes);
-    if (const auto notValid = SRecordReader(files, images, compression).read(input.key))
-        return FileError{notValid->line, notValid->reason, std::nullopt};
-    if (boxes.count() > 0)
-        return FileError{0, u"%1 fields can't be read: %2"_s.arg(boxes.count()).arg(boxes.first()),
-                         std::nullopt};
-    return std::nullopt;
+    const auto notValid = SRecordReader(files, images, compression).read(input.key);
+    if (!notValid)
+        return std::nullopt;
+    return FileError{notValid->line, notValid->reason, std::nullopt};
 }
 
 void addRecordErrors(std::vector<FileError>& errors, const InputFile& input)
 {
     const qint64 known = errors.empty() ? 0 : errors.front().line;
     for (const RecordFault& fault : checkRecords(input.content->bytes())) {
-        // The reader has said more of the line at which it stopped.
-        if (fault.line != known || fault.kind == RecordFault::Kind::Checksum)
+        // Of other records than data nothing is used but the header's text, which the reader
+        // judges; and it has said more of the line at which it stopped.
+        if (fault.kind == RecordFault::Kind::Checksum || (fault.isData && fault.line != known))
             errors.push_back(errorOf(fault));
     }
     std::ranges::stable_sort(errors, {}, &FileError::line);
@@ -61,7 +61,7 @@ QString FirmwareFile::firstFault() const
     if (error == errors.end())
         return {};
     const QString line = error->line == 0 ? QString() : u", line %1"_s.arg(error->line);
-    return input->path + line + u": "_s + error->reason;
+    return oneLine(input->path) + line + u": "_s + error->reason;
 }
 
 FirmwareFile readFirmware(const InputFile& input, InputFiles& files,
@@ -74,13 +74,15 @@ FirmwareFile readFirmware(const InputFile& input, InputFiles& files,
         file.code = input.missing ? Code::FileDoesNotExist : Code::FileFormatNotValid;
         return file;
     }
-    if (const auto error = readingError(input, files, images, compression))
+    CountedMessages boxes;
+    if (const auto error = readingError(input, files, images, compression, boxes))
         file.errors.push_back(*error);
     addRecordErrors(file.errors, input);
-
-    // Only data records count: the reader itself judges the header, and no other record's bytes
-    // are used.
     file.valid = std::ranges::none_of(file.errors, makesNotValid);
+    if (file.valid && boxes.count() > 0) {
+        file.errors.push_back({0, u"a field can't be read: "_s + boxes.first(), std::nullopt});
+        file.valid = false;
+    }
     if (!file.valid) {
         file.code = Code::FileFormatNotValid;
         return file;

@@ -3,6 +3,7 @@
 #include "firmware/clsFile.h"
 #include "fldc/files/InputFiles.h"
 #include "fldc/output/JsonObject.h"
+#include "fldc/output/Terminal.h"
 #include "protocol/wire/BootFiles.h"
 #include "shared/HexText.h"
 
@@ -110,8 +111,8 @@ QString imageTitle(const clsFile& image)
 {
     QStringList targets;
     for (std::int32_t i = 0; i < image.CountTargets(); ++i)
-        targets.append(image.Hardware(i) + u" device %1"_s.arg(image.DeviceID(i)));
-    return image.TagName() + u", %1-bit units, "_s.arg(image.intNumberOfBits()) +
+        targets.append(oneLine(image.Hardware(i)) + u" device %1"_s.arg(image.DeviceID(i)));
+    return oneLine(image.TagName()) + u", %1-bit units, "_s.arg(image.intNumberOfBits()) +
            (targets.isEmpty() ? u"for any hardware"_s : u"for "_s + targets.join(u", "_s));
 }
 
@@ -146,7 +147,7 @@ QJsonObject fileObject(const FirmwareFile& file)
 QString fileText(const FirmwareFile& file)
 {
     const InputFile& input = *file.input;
-    QString text = input.path + (file.valid ? u": valid\n"_s : u": not valid\n"_s);
+    QString text = oneLine(input.path) + (file.valid ? u": valid\n"_s : u": not valid\n"_s);
     if (input.content)
         text += u"  %1 bytes, sha256 %2\n"_s.arg(input.content->bytes().size())
                     .arg(QString::fromLatin1(input.sha256.toHex()));

@@ -28,6 +28,46 @@ bool asksForJson(const std::vector<std::string>& arguments)
     });
 }
 
+// CLI11 takes a "--" in a subcommand for the subcommand's end once it has enough arguments, and an
+// argument in square brackets for a list. So the arguments behind "--", which is left out, and
+// those that begin with a bracket are marked, as something that is neither; the mark is taken off
+// what was read.
+constexpr char plainArgument = '\x01';
+
+std::vector<std::string> marked(std::vector<std::string> arguments)
+{
+    const auto end = std::ranges::find(arguments, "--");
+    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+        if (argument > end || argument->starts_with('['))
+            argument->insert(0, 1, plainArgument);
+    }
+    if (end != arguments.end())
+        arguments.erase(end);
+    return arguments;
+}
+
+void unmark(std::string& argument)
+{
+    if (argument.starts_with(plainArgument))
+        argument.erase(0, 1);
+}
+
+void unmark(std::optional<std::string>& argument)
+{
+    if (argument)
+        unmark(*argument);
+}
+
+void unmark(Options& options)
+{
+    for (auto* value : {&options.log, &options.port, &options.bootFiles, &options.certificate})
+        unmark(*value);
+    for (auto* value : {&options.unit, &options.job})
+        unmark(*value);
+    for (auto* values : {&options.files, &options.components})
+        std::ranges::for_each(*values, [](std::string& value) { unmark(value); });
+}
+
 void declare(CLI::App& app, const Command& command, Options& options)
 {
     CLI::App& added = *app.add_subcommand(command.name, command.summary);
@@ -46,14 +86,21 @@ const Command* recognised(const CLI::App& app)
 
 Outcome wrongUsage(const CLI::App& app, const Command* command, const CLI::ParseError& error)
 {
-    const auto text = [](const std::string& bytes) { return QString::fromStdString(bytes); };
+    const auto text = [](const std::string& bytes) {
+        return QString::fromStdString(bytes).remove(QLatin1Char(plainArgument));
+    };
     if (command != nullptr)
         return usageError(text(error.what()),
                           u"`fldc %1 --help` shows its options."_s.arg(text(command->name)));
     const auto left = app.remaining();
     const QString advice = u"`fldc --help` lists the commands."_s;
-    if (left.empty() || left.front().starts_with('-'))
-        return usageError(left.empty() ? u"No command was given."_s : text(error.what()), advice);
+    if (left.empty())
+        return usageError(error.get_exit_code() == static_cast<int>(CLI::ExitCodes::RequiredError)
+                              ? u"No command was given."_s
+                              : text(error.what()),
+                          advice);
+    if (left.front().starts_with('-'))
+        return usageError(u"There is no option "_s + text(left.front()) + u'.', advice);
     return usageError(u"There is no command \"%1\"."_s.arg(text(left.front())), advice);
 }
 
@@ -87,8 +134,10 @@ CommandLine readCommandLine(const std::vector<std::string>& arguments)
     for (const Command& command : commands())
         declare(app, command, line.options);
     try {
-        app.parse(
-            std::vector<std::string>(arguments.rbegin(), arguments.rend())); // as it wants them
+        auto words = marked(arguments);
+        std::ranges::reverse(words); // as it wants them
+        app.parse(std::move(words));
+        unmark(line.options);
         line.command = recognised(app);
         line.error = completePort(*line.command, line.options);
     } catch (const CLI::CallForHelp&) {

@@ -12,13 +12,6 @@ namespace {
 constexpr const char* portHelp =
     "COM3, 3, a device path, usb:SERIAL or a pinned name; - for the variable FLDC_PORT";
 
-// Without this a name in square brackets would be taken for a list.
-template <class Value>
-CLI::Option* addNames(CLI::App& command, const char* name, Value& names, const char* help)
-{
-    return command.add_option(name, names, help)->allow_extra_args(false)->required();
-}
-
 } // namespace
 
 void addPort(CLI::App& command, Options& options)
@@ -38,21 +31,23 @@ void addPortOption(CLI::App& command, Options& options)
 
 void addFiles(CLI::App& command, Options& options)
 {
-    addNames(command, "FILE", options.files,
-             "Firmware files; behind -- also names that begin with -")
-        ->expected(-1);
+    command
+        .add_option("FILE", options.files, "Firmware files; behind -- also names that begin with -")
+        ->required();
 }
 
 void addOneFile(CLI::App& command, Options& options)
 {
-    addNames(command, "FILE", options.files, "A certificate")->expected(1);
+    command.add_option("FILE", options.files, "A certificate")->required()->expected(1);
 }
 
 void addComponents(CLI::App& command, Options& options)
 {
-    addNames(command, "COMPONENT", options.components,
-             "Product identifiers as the report shows them, or #2 for the second of its list")
-        ->expected(-1);
+    command
+        .add_option(
+            "COMPONENT", options.components,
+            "Product identifiers as the report shows them, or #2 for the second of its list")
+        ->required();
 }
 
 void addLogOn(CLI::App& command, Options& options)
@@ -89,14 +84,6 @@ void addCompression(CLI::App& command, Options& options)
     command.add_option("--compression", options.compression, "How the data are compressed")
         ->type_name("standard|best")
         ->check(CLI::IsMember({"standard", "best"}));
-}
-
-void addRounds(CLI::App& command, Options& options)
-{
-    command.add_option("--rounds", options.rounds, "Exchanges at each speed")
-        ->type_name("N")
-        ->check(CLI::Range(1, 1'000'000))
-        ->capture_default_str();
 }
 
 void addGeneral(CLI::App& command, Options& options)

@@ -27,7 +27,6 @@ struct Options {
     std::string unit;
     std::string job;
     std::optional<std::string> certificate; ///< folder
-    std::int32_t rounds = 100;
 };
 
 } // namespace fldc::cli

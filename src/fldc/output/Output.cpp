@@ -47,10 +47,9 @@ void Output::tellResult(const QJsonObject& object, const Outcome& outcome)
     m_ended = true;
 }
 
-void Output::finish(int wakeDescriptor)
+bool Output::finish(int wakeDescriptor)
 {
-    m_standard.finish(wakeDescriptor);
-    m_terminal.finish(wakeDescriptor);
+    return m_standard.finish(wakeDescriptor) && m_terminal.finish(wakeDescriptor);
 }
 
 } // namespace fldc::cli

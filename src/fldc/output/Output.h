@@ -33,8 +33,8 @@ public:
     /// The result: in JSON the last line; for people message and advice, on standard error when
     /// the run failed. Nothing that is told afterwards is printed.
     void tellResult(const QJsonObject& object, const Outcome& outcome);
-    /// Waits until everything is written, or @p wakeDescriptor is readable.
-    void finish(int wakeDescriptor);
+    /// Waits until everything is written; false when @p wakeDescriptor became readable first.
+    bool finish(int wakeDescriptor);
 
     /// Hears every object that is told, also without --json: the certificate.
     using Hearer = std::function<void(const ObjectKind&, const QJsonObject&)>;

@@ -41,7 +41,7 @@ QString figures(const Progress& progress)
 
 QString ProgressView::next(const Progress& progress, int columns)
 {
-    const QString file = printable(progress.file).replace(u'\n', u' ');
+    const QString file = oneLine(progress.file);
     // A smaller percentage of the same file is its next target.
     const bool begins = file != m_file || progress.percent < m_percent;
     m_file = file;

@@ -52,10 +52,10 @@ void Terminal::endLine()
     write(m_progress.end());
 }
 
-void Terminal::finish(int wakeDescriptor)
+bool Terminal::finish(int wakeDescriptor)
 {
     endLine();
-    m_stream.finish(wakeDescriptor);
+    return m_stream.finish(wakeDescriptor);
 }
 
 QString Terminal::coloured(QStringView label, int colour) const
@@ -79,6 +79,11 @@ QString printable(const QString& text)
             character = QChar::ReplacementCharacter;
     }
     return clean;
+}
+
+QString oneLine(const QString& name)
+{
+    return printable(name).replace(u'\n', QChar::ReplacementCharacter);
 }
 
 } // namespace fldc::cli

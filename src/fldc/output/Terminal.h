@@ -18,8 +18,8 @@ public:
     /// A line of its own.
     void note(const QString& text);
     void show(const Progress& progress);
-    /// Behind the last text.
-    void finish(int wakeDescriptor);
+    /// Behind the last text: as OutputStream.
+    bool finish(int wakeDescriptor);
 
     [[nodiscard]] bool isTerminal() const { return m_stream.isTerminal(); }
     /// Ends a progress line that is open, for somebody else's text.
@@ -38,5 +38,7 @@ private:
 /// @p text without the control characters (but line ends) that a file name, a tag or an adapter's
 /// description may hold: a terminal would obey them.
 [[nodiscard]] QString printable(const QString& text);
+/// The same for a name in the middle of a text: without line ends too.
+[[nodiscard]] QString oneLine(const QString& name);
 
 } // namespace fldc::cli

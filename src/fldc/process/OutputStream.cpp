@@ -69,7 +69,7 @@ bool OutputStream::writeWhatFits()
     return false;
 }
 
-void OutputStream::finish(int wakeDescriptor) noexcept
+bool OutputStream::finish(int wakeDescriptor) noexcept
 {
     std::array<char, 64> old{};
     while (::read(wakeDescriptor, old.data(), old.size()) > 0) {
@@ -78,11 +78,11 @@ void OutputStream::finish(int wakeDescriptor) noexcept
         while (writeWhatFits()) {
         }
         if (m_error != 0 || m_pending.isEmpty())
-            return;
+            return true;
         std::array states{pollfd{m_descriptor, POLLOUT, 0}, pollfd{wakeDescriptor, POLLIN, 0}};
         (void)::poll(states.data(), states.size(), -1);
         if (states[1].revents != 0)
-            return;
+            return false;
     }
 }
 

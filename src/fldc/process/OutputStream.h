@@ -18,9 +18,9 @@ public:
 
     /// Never throws and never blocks on a terminal or a pipe.
     void write(const QByteArray& text) noexcept;
-    /// Writes what is left, waiting for the reader, unless @p wakeDescriptor becomes readable (a
-    /// signal: nobody wants the rest).
-    void finish(int wakeDescriptor) noexcept;
+    /// Writes what is left, waiting for the reader. False when @p wakeDescriptor became readable
+    /// first (a signal: nobody wants the rest).
+    bool finish(int wakeDescriptor) noexcept;
 
     [[nodiscard]] bool isTerminal() const { return m_isTerminal; }
     [[nodiscard]] int descriptor() const { return m_descriptor; }
