@@ -27,7 +27,7 @@ QString userName()
 
 QJsonArray without(QJsonArray components, const QJsonArray& others)
 {
-    for (const QJsonValue& other : others) {
+    for (const auto& other : others) {
         const auto found = std::find(components.begin(), components.end(), other);
         if (found != components.end())
             components.erase(found);
@@ -52,7 +52,7 @@ Certificate::Certificate(CertificateFacts facts, const std::vector<FirmwareFile>
     for (std::size_t i = 0; i < files.size(); ++i) {
         for (const auto& image : files[i].images) {
             const ImageParts parts = imageParts(*image, false);
-            for (const QJsonValue& table : parts.tables)
+            for (const auto& table : parts.tables)
                 m_checksums.insert(
                     tableKey(static_cast<int>(i) + 1, parts.tag, table["address"_L1].toInteger()),
                     table["crc32"_L1].toString());

@@ -18,7 +18,7 @@ QString targetText(const QJsonObject& target)
         text += u", network %1, device %2"_s.arg(target["network"_L1].toInt())
                     .arg(target["device"_L1].toInt());
     text += target["locked"_L1].toBool() ? u", written and locked\n"_s : u", not complete\n"_s;
-    for (const QJsonValue& table : target["tables"_L1].toArray()) {
+    for (const auto& table : target["tables"_L1].toArray()) {
         const auto address = static_cast<std::uint32_t>(table["address"_L1].toInteger());
         text += u"    "_s + hexNumber(address, 8) +
                 u"  %1 bytes, crc32 "_s.arg(table["bytes"_L1].toInteger()) +
@@ -37,11 +37,11 @@ QString certificateText(const QJsonObject& certificate)
                     u", fldc "_s + text("version"_L1) + u"\nradio    "_s +
                     certificate["radio"_L1]["identifier"_L1].toString(u"-"_s) + u", "_s +
                     result["radio"_L1].toString() + u"\nfiles\n"_s;
-    for (const QJsonValue& file : certificate["started"_L1]["files"_L1].toArray())
+    for (const auto& file : certificate["started"_L1]["files"_L1].toArray())
         lines += u"  "_s + file["path"_L1].toString() + u"\n    sha256 "_s +
                  file["sha256"_L1].toString() + u'\n';
     lines += u"written\n"_s;
-    for (const QJsonValue& target : certificate["targets"_L1].toArray())
+    for (const auto& target : certificate["targets"_L1].toArray())
         lines += targetText(target.toObject());
     return lines + u"result   "_s + result["message"_L1].toString() + u'\n';
 }

@@ -46,12 +46,17 @@ RunRecord::RunRecord(Surroundings surroundings)
 
 void RunRecord::onEvent(const session::Event& event) noexcept
 {
-    // The operations of a run count as one: what the first did to the radio stays done.
-    if (!std::holds_alternative<session::OperationStarted>(event) || !m_anyOperation)
-        m_radio = fold(m_radio, event);
-    std::visit([this](const auto& each) { on(each); }, event);
-    if (m_surroundings.wantsEnd())
-        m_surroundings.endRun();
+    try {
+        // The operations of a run count as one: what the first did to the radio stays done.
+        if (!std::holds_alternative<session::OperationStarted>(event) || !m_anyOperation)
+            m_radio = fold(m_radio, event);
+        std::visit([this](const auto& each) { on(each); }, event);
+        if (m_surroundings.wantsEnd())
+            m_surroundings.endRun();
+    } catch (...) {
+        // What can't be told must not leave a radio half written: the operation goes on.
+        m_incomplete = true;
+    }
 }
 
 void RunRecord::on(const session::OperationStarted& /*event*/)

@@ -60,6 +60,8 @@ public:
     [[nodiscard]] bool anythingSent() const { return m_anythingSent; }
     /// Flash was erased, or may have been.
     [[nodiscard]] bool mayHaveErased() const { return m_mayHaveErased; }
+    /// An event could not be told or kept; a fault of the program.
+    [[nodiscard]] bool isIncomplete() const { return m_incomplete; }
     /// Times that the radio has locked blocks.
     [[nodiscard]] std::size_t locks() const { return m_locks; }
     /// The last step that was sent was answered with a plain fault word.
@@ -96,6 +98,7 @@ private:
     bool m_anythingSent = false;
     bool m_mayHaveErased = false;
     bool m_lastStepRefused = false;
+    bool m_incomplete = false;
     std::size_t m_locks = 0;
     bool m_restarted = false;
     Ending m_ending;

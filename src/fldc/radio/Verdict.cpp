@@ -55,6 +55,8 @@ Exit exitBeforeErase(Code code, const RunRecord& record)
 
 Outcome outcomeOf(Exit exit, const RunRecord& record)
 {
+    if (record.isIncomplete())
+        exit = foremost(exit, Exit::Unexpected);
     const session::StateText& text = textOf(record.state());
     Outcome outcome =
         failure(exit, record.ending().code, record.ending().message, text.advice.toString());
