@@ -4,6 +4,7 @@
 #include "fldc/certificate/CertificateFolder.h"
 #include "fldc/commands/Command.h"
 #include "fldc/commands/Steps.h"
+#include "fldc/files/NamedPort.h"
 #include "fldc/options/Options.h"
 #include "fldc/output/Output.h"
 #include "platform/PlatformFailure.h"
@@ -54,7 +55,7 @@ std::optional<Outcome> keepCertificate(Context& context, const LoadedFirmware& f
     }
 
     const QString unit = QString::fromStdString(options.unit);
-    const QString port = QString::fromStdString(options.port.value_or(""));
+    const QString port = context.port.name;
     const auto certificate = std::make_shared<Certificate>(
         CertificateFacts{unit, QString::fromStdString(options.job), utcNow(), context.started,
                          adapterOf(context.started["device"_L1].toString())},
