@@ -151,7 +151,7 @@ int Program::end(Outcome outcome, const SignalWatch& signalWatch)
 // The last texts, the result itself among them, may be what could not be written.
 int Program::close(Exit exit, const SignalWatch& signalWatch)
 {
-    if (!m_output.finish(signalWatch.descriptor()))
+    if (!m_output.finish(signalWatch.descriptor(), signalWatch.received() != 0))
         exit = foremost(exit, exitOfSignal(signalWatch.received()));
     if (m_outputLoss.isLost())
         exit = foremost(exit, Exit::OutputLost);

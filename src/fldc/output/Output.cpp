@@ -47,9 +47,10 @@ void Output::tellResult(const QJsonObject& object, const Outcome& outcome)
     m_ended = true;
 }
 
-bool Output::finish(int wakeDescriptor)
+bool Output::finish(int wakeDescriptor, bool isEnding)
 {
-    return m_standard.finish(wakeDescriptor) && m_terminal.finish(wakeDescriptor);
+    return m_standard.finish(wakeDescriptor, isEnding) &&
+           m_terminal.finish(wakeDescriptor, isEnding);
 }
 
 } // namespace fldc::cli

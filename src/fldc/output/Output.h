@@ -34,7 +34,7 @@ public:
     /// the run failed. Nothing that is told afterwards is printed.
     void tellResult(const QJsonObject& object, const Outcome& outcome);
     /// Waits until everything is written; false when @p wakeDescriptor became readable first.
-    bool finish(int wakeDescriptor);
+    bool finish(int wakeDescriptor, bool isEnding);
 
     /// Hears every object that is told, also without --json: the certificate.
     using Hearer = std::function<void(const ObjectKind&, const QJsonObject&)>;

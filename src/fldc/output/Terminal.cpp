@@ -52,10 +52,10 @@ void Terminal::endLine()
     write(m_progress.end());
 }
 
-bool Terminal::finish(int wakeDescriptor)
+bool Terminal::finish(int wakeDescriptor, bool isEnding)
 {
     endLine();
-    return m_stream.finish(wakeDescriptor);
+    return m_stream.finish(wakeDescriptor, isEnding);
 }
 
 QString Terminal::coloured(QStringView label, int colour) const

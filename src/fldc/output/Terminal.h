@@ -19,7 +19,7 @@ public:
     void note(const QString& text);
     void show(const Progress& progress);
     /// Behind the last text: as OutputStream.
-    bool finish(int wakeDescriptor);
+    bool finish(int wakeDescriptor, bool isEnding);
 
     [[nodiscard]] bool isTerminal() const { return m_stream.isTerminal(); }
     /// Ends a progress line that is open, for somebody else's text.

@@ -14,6 +14,14 @@ namespace fldc::cli {
 
 namespace {
 
+// With a run that a signal has ended nobody waits for ever for a reader that does not read;
+// milliseconds.
+constexpr int mostPatience = 5000;
+
+} // namespace
+
+namespace {
+
 bool isRegularFile(int descriptor)
 {
     struct stat status {};
@@ -69,7 +77,7 @@ bool OutputStream::writeWhatFits()
     return false;
 }
 
-bool OutputStream::finish(int wakeDescriptor) noexcept
+bool OutputStream::finish(int wakeDescriptor, bool isEnding) noexcept
 {
     std::array<char, 64> old{};
     while (::read(wakeDescriptor, old.data(), old.size()) > 0) {
@@ -80,8 +88,8 @@ bool OutputStream::finish(int wakeDescriptor) noexcept
         if (m_error != 0 || m_pending.isEmpty())
             return true;
         std::array states{pollfd{m_descriptor, POLLOUT, 0}, pollfd{wakeDescriptor, POLLIN, 0}};
-        (void)::poll(states.data(), states.size(), -1);
-        if (states[1].revents != 0)
+        const int ready = ::poll(states.data(), states.size(), isEnding ? mostPatience : -1);
+        if (ready == 0 || states[1].revents != 0)
             return false;
     }
 }
