@@ -19,8 +19,8 @@ public:
     /// Never throws and never blocks on a terminal or a pipe.
     void write(const QByteArray& text) noexcept;
     /// Writes what is left, waiting for the reader. False when @p wakeDescriptor became readable
-    /// first (a signal: nobody wants the rest). @p isEnding: a signal has ended the run already; then
-    /// also false when the reader takes nothing for 5 seconds.
+    /// first (a signal: nobody wants the rest). @p isEnding: a signal has ended the run already;
+    /// then also false when the reader takes nothing for 5 seconds.
     bool finish(int wakeDescriptor, bool isEnding) noexcept;
 
     [[nodiscard]] bool isTerminal() const { return m_isTerminal; }
