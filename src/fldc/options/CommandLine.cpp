@@ -104,24 +104,6 @@ Outcome wrongUsage(const CLI::App& app, const Command* command, const CLI::Parse
     return usageError(u"There is no command \"%1\"."_s.arg(text(left.front())), advice);
 }
 
-// A PORT that was left out, or is "-", is the one that FLDC_PORT names; a command to which a port
-// is an option goes without.
-std::optional<Outcome> completePort(const Command& command, Options& options)
-{
-    const bool wanted = command.port != PortUse::None &&
-                        (command.port == PortUse::Needed || options.port.has_value());
-    if (!wanted || (options.port && *options.port != "-")) {
-        if (options.port && options.port->empty())
-            return usageError(u"The port's name is empty."_s, u"Give PORT, or - for FLDC_PORT."_s);
-        return std::nullopt;
-    }
-    const QByteArray port = qgetenv("FLDC_PORT");
-    if (port.isEmpty())
-        return usageError(u"No port was named."_s, u"Give PORT, or set the variable FLDC_PORT."_s);
-    options.port = port.toStdString();
-    return std::nullopt;
-}
-
 } // namespace
 
 CommandLine readCommandLine(const std::vector<std::string>& arguments)
@@ -139,7 +121,6 @@ CommandLine readCommandLine(const std::vector<std::string>& arguments)
         app.parse(std::move(words));
         unmark(line.options);
         line.command = recognised(app);
-        line.error = completePort(*line.command, line.options);
     } catch (const CLI::CallForHelp&) {
         line.text = QString::fromStdString(app.help());
     } catch (const CLI::CallForAllHelp&) {
