@@ -62,6 +62,11 @@ public:
     [[nodiscard]] bool Downloaded() const { return m_downloaded; }
     void setDownloaded(bool downloaded) { m_downloaded = downloaded; }
 
+    /// An image for the FPGA, which can damage a radio.
+    [[nodiscard]] bool isFpgaImage() const
+    {
+        return m_tagName.startsWith(QLatin1StringView("JVA1G"));
+    }
     /// Path of the firmware file that the image was read from.
     [[nodiscard]] QString SourcePath() const { return m_sourcePath; }
     void setSourcePath(const QString& path) { m_sourcePath = path; }

@@ -52,7 +52,7 @@ public:
                 return candidate;
         }
     }
-    /// True when a file was refused whose images, if there are any, stand here.
+    /// True when a file was refused, be there images of it here or not.
     [[nodiscard]] bool hasRejected() const { return m_hasRejected; }
     void setHasRejected() { m_hasRejected = true; }
     /// Never fails.

@@ -147,9 +147,9 @@ public:
     void endOperations();
     /// What is known of the upgrade mode of this manager's radio.
     [[nodiscard]] UpgradeState upgradeState() const;
-    /// The entry of the window's baud-rate list that a download without a user goes by; 0, the
-    /// automatic choice, until set.
-    void setSpeedEntry(std::int32_t intListIndex) { m_speedEntry = intListIndex; }
+    /// SetBaudRate that counts for a download without a user, too, which goes by the automatic
+    /// choice otherwise.
+    void chooseSpeed(std::int32_t lngBaudRate);
     /// Takes back a task that has not started; nothing happens when none waits.
     void withdrawTask();
     /// True when the last download went through but some of its files were written nowhere, also
@@ -238,7 +238,7 @@ private:
     std::optional<Compression> m_compression;
     std::shared_ptr<IPort> m_port;
     bool m_uiMode = false;
-    std::int32_t m_speedEntry = 0;
+    bool m_speedChosen = false;
     QString m_downloadLogPath;
     QString m_configurationLogPath;
     bool m_stayConnected = false;

@@ -5,6 +5,7 @@
 #include "firmware/clsFile.h"
 #include "firmware/colFiles.h"
 #include "platform/IMessageBox.h"
+#include "radio/HardwareMatch.h"
 #include "radio/clsConfiguration.h"
 #include "radio/colConfigurations.h"
 #include "shared/DisplayTexts.h"
@@ -27,7 +28,7 @@ std::vector<std::int16_t> FindConfigurations(const clsRadio& radio, const QStrin
 {
     std::vector<std::int16_t> networks;
     for (const auto& configuration : radio.Configurations()->items()) {
-        if (configuration->ProductID().left(5) == strPrefix)
+        if (matchesHardware(configuration->ProductID(), strPrefix))
             networks.push_back(configuration->NetWorkID());
     }
     return networks;
@@ -123,7 +124,7 @@ void clsDLManager::downloadSteps(Session& session, QString& strFilesToReport)
     if (!lastError().ok())
         return;
     protocol.NegotiateBaud(session.window(), session.port(),
-                           m_uiMode ? session.window().baudRateIndex() : m_speedEntry);
+                           m_uiMode || m_speedChosen ? session.window().baudRateIndex() : 0);
     if (!lastError().ok())
         return;
 
@@ -152,8 +153,7 @@ void clsDLManager::downloadSteps(Session& session, QString& strFilesToReport)
 // loaded. Then the others are not written either: the user wanted all of them.
 bool clsDLManager::mayBeWritten(const colFiles& files) const
 {
-    const auto rejected = [](const auto& file) { return file->Rejected(); };
-    if (files.hasRejected() || std::ranges::any_of(files.items(), rejected))
+    if (files.hasRejected())
         return fail(Code::FileFormatNotValid);
     if (files.Count() == 0)
         return fail(m_loadCode == Code::Success ? Code::FileDoesNotExist : m_loadCode);
@@ -164,7 +164,7 @@ bool clsDLManager::mayBeWritten(const colFiles& files) const
 bool clsDLManager::confirmFpgaUpgrade(const colFiles& files)
 {
     for (const auto& file : files.items()) {
-        if (!file->TagName().startsWith(QStringLiteral("JVA1G")))
+        if (!file->isFpgaImage())
             continue;
         if (!m_platform.messages.askYesNo(QString::fromUtf16(fpgaQuestion)))
             return fail(Code::UserCancelled);

@@ -143,6 +143,12 @@ void clsDLManager::SetBaudRate(std::int32_t lngBaudRate)
     }
 }
 
+void clsDLManager::chooseSpeed(std::int32_t lngBaudRate)
+{
+    SetBaudRate(lngBaudRate);
+    m_speedChosen = true;
+}
+
 void clsDLManager::setStayConnected(bool blnNew)
 {
     if (window().UIDisplay() || operationRuns())

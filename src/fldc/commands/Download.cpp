@@ -9,23 +9,13 @@
 #include "fldc/radio/RadioRun.h"
 #include "fldc/radio/Verdict.h"
 
-#include <array>
+#include <algorithm>
 
 namespace fldc::cli {
 
 using namespace Qt::StringLiterals;
 
 namespace {
-
-/// The entries of the component's list of speeds.
-constexpr std::array speeds{std::string_view("auto"), std::string_view("115200"),
-                            std::string_view("19200"), std::string_view("9600"),
-                            std::string_view("57600")};
-
-std::int32_t speedIndex(const std::string& speed)
-{
-    return static_cast<std::int32_t>(std::ranges::find(speeds, speed) - speeds.begin());
-}
 
 QHash<QString, std::int32_t> filesOfImages(const LoadedFirmware& firmware)
 {
@@ -41,7 +31,7 @@ QHash<QString, std::int32_t> filesOfImages(const LoadedFirmware& firmware)
 
 std::optional<Outcome> refuseFpga(const Context& context, const LoadedFirmware& firmware)
 {
-    const auto isFpga = [](const auto& image) { return image->TagName().startsWith(u"JVA1G"); };
+    const auto isFpga = [](const auto& image) { return image->isFpgaImage(); };
     if (context.options.allowFpga || std::ranges::none_of(firmware.images->items(), isFpga))
         return std::nullopt;
     return usageError(u"A file holds an FPGA image, which may damage the radio."_s,
@@ -61,7 +51,7 @@ QString fileList(const Context& context)
 Outcome runDownload(Context& context)
 {
     LoadedFirmware firmware;
-    if (auto ended = loadFirmware(context, firmware))
+    if (auto ended = loadFirmware(context, Compression::None, firmware))
         return *ended;
     if (auto ended = refuseFpga(context, firmware))
         return *ended;
@@ -73,7 +63,8 @@ Outcome runDownload(Context& context)
         return *ended;
     clsDLManager& manager = run.manager();
     manager.setCompression(compressionOf(context));
-    manager.setSpeedEntry(speedIndex(context.options.speed));
+    if (context.options.speed != "auto")
+        manager.chooseSpeed(std::stoi(context.options.speed));
     manager.setAccessLevel(context.options.specialLogOn ? UNLIMITED_ACCESS : DEFAULT_ACCESS);
     manager.LoadFilesByPath(fileList(context), QString(QChar::Null));
     QString unused;

@@ -9,6 +9,7 @@
 #include "fldc/radio/RadioRun.h"
 #include "fldc/radio/Verdict.h"
 #include "protocol/wire/LineSpeeds.h"
+#include "radio/HardwareMatch.h"
 
 #include <cmath>
 
@@ -68,7 +69,7 @@ std::int64_t matchImage(const clsFile& image, const std::vector<session::Compone
     std::int64_t places = 0;
     for (std::int32_t i = 0; i < image.CountTargets(); ++i) {
         for (const session::Component& each : radio) {
-            if (each.product.left(5) != image.Hardware(i))
+            if (!matchesHardware(each.product, image.Hardware(i)))
                 continue;
             ++places;
             matches.objects.append(
@@ -103,7 +104,7 @@ std::optional<std::vector<session::Component>> readRadio(Context& context, Outco
 Outcome runPlan(Context& context)
 {
     LoadedFirmware firmware;
-    if (auto ended = loadFirmware(context, firmware))
+    if (auto ended = loadFirmware(context, compressionOf(context), firmware))
         return *ended;
     Outcome outcome;
     const bool asksRadio = !context.port.device.isEmpty();

@@ -23,14 +23,14 @@ Compression compressionOf(const Context& context)
     return best ? Compression::Best : Compression::Zlib;
 }
 
-std::optional<Outcome> loadFirmware(Context& context, LoadedFirmware& firmware)
+std::optional<Outcome> loadFirmware(Context& context, Compression compression,
+                                    LoadedFirmware& firmware)
 {
     firmware.images = std::make_shared<colFiles>();
     for (const InputFile& input : context.files.items()) {
         if (context.wantsEnd())
             return done({});
-        firmware.files.push_back(
-            readFirmware(input, context.files, firmware.images, compressionOf(context)));
+        firmware.files.push_back(readFirmware(input, context.files, firmware.images, compression));
     }
     if (!std::ranges::all_of(firmware.files, &FirmwareFile::valid))
         return notValid(firmware.files);

@@ -31,7 +31,8 @@ struct LoadedFirmware {
 [[nodiscard]] Compression compressionOf(const Context& context);
 
 /// Reads the files; every one must be valid. Before the line is opened. Else exit code 3.
-[[nodiscard]] std::optional<Outcome> loadFirmware(Context& context, LoadedFirmware& firmware);
+[[nodiscard]] std::optional<Outcome> loadFirmware(Context& context, Compression compression,
+                                                  LoadedFirmware& firmware);
 
 /// The outcome for files that are not valid: the first of them, and the code of the last.
 [[nodiscard]] Outcome notValid(const std::vector<FirmwareFile>& files);

@@ -35,7 +35,8 @@ private:
 /// their logging (which --log decides) and never written.
 class RadioPlatform {
 public:
-    RadioPlatform(const Platform& base, IFileService& files, const Options& options,
+    /// @p events: those of the run.
+    RadioPlatform(const Platform& base, IEvents& events, const Options& options,
                   const QString& device);
     RadioPlatform(const RadioPlatform&) = delete;
     RadioPlatform& operator=(const RadioPlatform&) = delete;

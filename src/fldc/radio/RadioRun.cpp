@@ -17,28 +17,10 @@ namespace fldc::cli {
 
 using namespace Qt::StringLiterals;
 
-namespace {
-
-Platform withEvents(const Platform& platform, IEvents& events)
-{
-    return {events,
-            platform.timers,
-            platform.clock,
-            platform.files,
-            platform.settings,
-            platform.ports,
-            platform.serialControls,
-            platform.program,
-            platform.messages};
-}
-
-} // namespace
-
 RadioRun::RadioRun(Context& context, const QString& device,
                    QHash<QString, std::int32_t> fileOfImage)
     : m_context(context), m_events(context.platform.events, [this] { endIfWanted(); }),
-      m_base(withEvents(context.platform, m_events)),
-      m_radioPlatform(m_base, context.files, context.options, device),
+      m_radioPlatform(context.platform, m_events, context.options, device),
       m_record({context.output, context.outputLoss, std::move(fileOfImage), context.wantsEnd,
                 [this] { endIfWanted(); }})
 {

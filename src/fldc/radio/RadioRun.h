@@ -69,7 +69,6 @@ private:
 
     Context& m_context;
     WatchedEvents m_events;
-    Platform m_base;
     RadioPlatform m_radioPlatform;
     RunRecord m_record;
     std::unique_ptr<clsDLManager> m_manager;

@@ -79,10 +79,8 @@ void RunRecord::on(const session::StepTaken& event)
         else
             m_mayHaveErased |= event.outcome != Outcome::Refused;
     }
-    if (event.step == Step::Restart && event.outcome == Outcome::Done) {
-        m_restarted = true;
+    if (event.step == Step::Restart && event.outcome == Outcome::Done)
         m_output.tell(kind::restarted, makeObject(kind::restarted, {}));
-    }
 }
 
 void RunRecord::on(const session::PowerCycleRequired& event)

@@ -68,7 +68,6 @@ public:
     [[nodiscard]] bool lastStepRefused() const { return m_lastStepRefused; }
     /// Of the last operation: an erasure's own failure, not that of reading again.
     [[nodiscard]] const Ending& ending() const { return m_ending; }
-    [[nodiscard]] bool restarted() const { return m_restarted; }
     [[nodiscard]] std::int32_t baud() const { return m_baud; }
     [[nodiscard]] std::int32_t retries() const { return m_retries; }
     [[nodiscard]] std::int64_t wireBytes() const { return m_wireBytes + m_targetBytes; }
@@ -100,7 +99,6 @@ private:
     bool m_lastStepRefused = false;
     bool m_incomplete = false;
     std::size_t m_locks = 0;
-    bool m_restarted = false;
     Ending m_ending;
     std::int32_t m_baud = 0; ///< agreed on; 0 before that
     std::int32_t m_retries = 0;

@@ -1,7 +1,7 @@
 #include "fldc/radio/Verdict.h"
 
 #include "fldc/output/JsonObject.h"
-#include "shared/LastError.h"
+#include "radio/HardwareMatch.h"
 
 #include <algorithm>
 #include <array>
@@ -124,7 +124,7 @@ private:
         std::size_t places = 0;
         for (std::int32_t i = 0; i < image.CountTargets(); ++i)
             places += static_cast<std::size_t>(std::ranges::count_if(radio, [&](const auto& each) {
-                return each.product.left(5) == image.Hardware(i);
+                return matchesHardware(each.product, image.Hardware(i));
             }));
         return places;
     }
