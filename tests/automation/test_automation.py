@@ -264,21 +264,6 @@ class Automation(unittest.TestCase):
         self.client.leave()
         self.assertTrue(wait_for(lambda: not self.running()))
 
-    def test_tasks_that_fail_end(self):
-        manager = self.manager(self.client, "1", files=False)  # without a radio its device is missing
-        for task, text, code in ((LOAD, "/no/such.srec", 33), (LOAD, "|".join(FILES), 0), (REPORT, "", 11),
-                                 (DOWNLOAD, "", 11)):
-            self.client.events.clear()
-            self.assertTrue(manager.AsyncTaskProcess("is", task, text))
-            self.assertTrue(wait_for(lambda: not manager.get("AsyncTaskBusy")))
-            self.assertEqual(manager.GetLastError()[0], code)
-            events = [("ReportConfigurationsUpdate", "")] if task != LOAD else []
-            wait_for(lambda: len(manager.events()) > len(events), 0.2)
-            self.assertEqual(manager.events(), events)
-        for task in (0, 4, -1, -2**31, 2**31 - 1):
-            self.assertFalse(manager.AsyncTaskProcess("is", task, ""))
-            self.assertFalse(manager.get("AsyncTaskBusy"))
-
     def test_garbage(self):
         manager, blocks = self.manager(self.client, "1", files=False), self.client.create("colDataBlocks")
         huge = "x" * 2**20

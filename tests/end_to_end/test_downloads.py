@@ -37,21 +37,13 @@ CASES = [
     ("rv4100", "shared_application.srec", "deaf=115200", "Error 56 - "),
     ("rv4100", "shared_application.srec", "silent-after=0 silent@start", "Error 42 - "),
     ("rv4100", "shared_application.srec", "silent@logon", "Error 22 - "),
-    ("rv4100", "shared_application.srec", "silent@31", "Error 42 - "),
-    ("rv4100", "shared_application.srec", "cut@31:1=5", "Error 42 - "),
     ("rv4100", "shared_application.srec", "garbage@31=00FF1337", "Error 51 - "),
-    ("rv4100", "shared_application.srec", "fault@42=810F", "Error 8113 - "),
-    ("rv4100", "shared_application.srec", "fault@33=8104", "Error 8104 - "),
-    ("rv4100", "shared_application.srec", "busylist@33=AEAE0003", "Error 59 - "),
-    ("rv4100", "shared_application.srec", "fault@3D=8105", "Error 8105 - "),
     ("rv4100", "shared_application.srec", "fault@3D=8104", "Error 8104 - "),
-    ("rv4100", "shared_application.srec", "silent@39:1", "Error 42 - "),
     ("rv4100", "shared_application.srec", "f1-power-cycle", "Error 21 - "),
     # The adapter is pulled out.
     ("rv4100", "shared_application.srec", "hangup@start", "Error 11 - "),
     ("rv4100", "shared_application.srec", "hangup@logon", "Error 22 - "),
     ("rv4100", "shared_application.srec", "hangup@31", "Error 15 - "),
-    ("rv4100", "shared_application.srec", "hangup@3D:3", "Error 15 - "),
     ("rv4200", "application.srec", "hangup@boot", "Error 15 - "),
 ]
 

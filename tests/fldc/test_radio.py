@@ -41,7 +41,14 @@ RUNS = [
     (DOWNLOAD, "silent@31:2", 8, 42, "locked", "JHA2F-2.03"),
     (f"{DOWNLOAD} {OTHER}", "", 9, 37, "restarted", "JHA2F-2.03"),
     (DOWNLOAD, "fault@3D:2=8002 fault@33:1=8003", 0, 0, "restarted", "JHA2F-2.03"),
+    (DOWNLOAD, "fault@3D:2=8104 unknown=3E", 0, 0, "restarted", "JHA2F-2.03"),
+    (DOWNLOAD, "fault@3D=8104", 7, 8104, "erased", ""),
+    (DOWNLOAD, "garbage@33=1337", 7, 51, "erased", ""),
+    (DOWNLOAD, "fault@39=8103", 7, 8103, "written", ""),
     ("report PORT", "", 0, 0, "restarted", None),
+    ("report PORT", "already-in-upgrade-mode=57600", 0, 0, "restarted", None),
+    ("report PORT", "f1-power-cycle", 5, 21, "reset", None),
+    ("report PORT", "hangup@start", 5, 11, "reset", None),
     ("report PORT", "silent@logon", 5, 22, "reset", None),
     ("erase PORT #5", "", 0, 0, "erased", None),
     ("erase PORT JHA2A-1.02", "silent@33", 7, 42, "erased", None),
@@ -95,6 +102,16 @@ class Runs(unittest.TestCase):
             for case, problems in zip(RUNS, pool.map(run_case, RUNS)):
                 with self.subTest(case=case):
                     self.assertFalse(problems, "\n".join(problems))
+
+    def test_a_download_tells_everything_in_its_order(self):
+        with Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200", ["fault@33:1=8002"]) as bench:
+            run = start(bench, f"{DOWNLOAD} {DSP}")
+            lines = [json.loads(line) for line in run.communicate(timeout=120)[0].splitlines()]
+        told = [line.get("action", line["type"]) for line in lines if line.get("percent") in (None, 100)]
+        target = "target unlocked erased table progress locked "
+        self.assertEqual(" ".join(told), "started radio boot-application speed configuration " + target.replace(
+            "erased table", "retry erased table table") + target + "configuration restarted result")
+        self.assertEqual((lines[-1]["retries"], lines[-1]["wire_bytes"]), (1, 4780))
 
     def test_a_certificate_tells_the_whole_download(self):
         with Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200") as bench:

@@ -299,19 +299,6 @@ TEST_F(ManagerTest, WhatArrivesInTheMiddleOfAnOperationIsRefused)
     EXPECT_EQ(machine.line().commPort(), 1);
 }
 
-TEST_F(ManagerTest, ACancelEndsTheOperationAtItsNextWait)
-{
-    create();
-    play({logOn, "> 31 00 CE FF\n"});
-    machine.time.after(std::chrono::seconds(3), [this] { manager->cancelOperation(); });
-    QString text;
-    EXPECT_EQ(manager->ReportConfigurations(text), 1);
-    EXPECT_EQ(status(), QStringLiteral("Error 1 - User cancelled upgrade"));
-    EXPECT_FALSE(machine.line().portOpen());
-    play({logOn, report, restart});
-    EXPECT_EQ(manager->ReportConfigurations(text), 0) << "a cancel ends one operation";
-}
-
 TEST_F(ManagerTest, TheWindowMayGoInTheMiddle)
 {
     create();
@@ -518,26 +505,6 @@ TEST_F(ManagerTest, ATaskRunsAfterTheCallAndAlwaysEnds)
     EXPECT_EQ(lastErrorText(), QStringLiteral("0 Success"));
     EXPECT_FALSE(manager->AsyncTaskBusy());
     EXPECT_EQ(reports.size(), 1);
-}
-
-TEST_F(ManagerTest, BaudRateAccessLevelAndMessages)
-{
-    create();
-    manager->SetBaudRate(19200);
-    EXPECT_EQ(windows.latest->baudRateIndex(), 2);
-    manager->SetBaudRate(4800);
-    EXPECT_EQ(windows.latest->baudRateIndex(), 2);
-    manager->setAccessLevel(UNLIMITED_ACCESS);
-    manager->setAccessLevel(static_cast<enmAccessLevel>(5));
-    EXPECT_TRUE(manager->upgradeState().special());
-    manager->setAccessLevel(DEFAULT_ACCESS);
-    EXPECT_FALSE(manager->upgradeState().special());
-    manager->setRadioType(RH6100);
-    EXPECT_EQ(manager->RadioType(), RH6100);
-    EXPECT_THROW((void)manager->FormatMessage(3), PlatformFailure);
-    (void)manager->SetUIMode(true);
-    manager->setStayConnected(true);
-    EXPECT_FALSE(manager->StayConnected());
 }
 
 } // namespace

@@ -62,13 +62,5 @@ TEST(ReportDialogTest, TheLayoutFollowsTheSize)
     EXPECT_FALSE(dialog.isVisible());
 }
 
-TEST(IconTest, EveryPictureIsBuiltIn)
-{
-    for (const int size : {16, 32, 48})
-        EXPECT_EQ(frmIcon::icon().pixmap(size).size(), QSize(size, size));
-    for (const char* name : {"help", "download", "wait", "report", "ticked", "unticked"})
-        EXPECT_FALSE(frmIcon::picture(QString::fromLatin1(name)).pixmap(13).isNull()) << name;
-}
-
 } // namespace
 } // namespace fldc

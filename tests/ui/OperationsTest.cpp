@@ -89,23 +89,6 @@ TEST_F(OperationsTest, AnUnexpectedFailureIsShownAndTheButtonsComeBack)
     window.lock()->setDownLoadManager(manager.get());
 }
 
-TEST_F(OperationsTest, AnErasureNamesTheMarkedRows)
-{
-    start();
-    play({logOn, askForReport, answerReport, restart});
-    click("cmdConfig");
-    EXPECT_EQ(status(), QStringLiteral("Configuration successfully read"));
-    EXPECT_TRUE(machine.files.files.at(QStringLiteral("C:\\Tools\\0_Config.log"))
-                    .content.contains(" Report Configurations...\r\n"));
-    fill({QStringLiteral("A"), QStringLiteral("B")}, "11");
-    clickRow(0);
-    // Authorises network 5 and device 0 for the component's code; the radio keeps silent.
-    play({logOn, "> 42 06 05 00 00 52 00 56 00 4B 00 42 00 31 B7 93\n", askForReport, answerReport,
-          restart});
-    click("cmdErase");
-    EXPECT_EQ(enabled(), QString::fromLatin1(idle));
-}
-
 TEST_F(OperationsTest, ADownloadAsksForFilesAndTellsWhatIsLeft)
 {
     machine.settings.values[QStringLiteral("LastFile")] = QStringLiteral("/fw/last.srec");
