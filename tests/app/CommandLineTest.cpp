@@ -41,17 +41,5 @@ TEST(CommandLine, RefusesASwitchGivenTwice)
         EXPECT_THROW((void)ParseCommandLine(QString::fromUtf8(text)), PlatformFailure) << text;
 }
 
-TEST(CommandLine, NumbersAreSixteenBit)
-{
-    const auto number = [](const char* value) {
-        return switchNumber({{u'p', QString::fromUtf8(value)}}, u'p');
-    };
-    EXPECT_EQ(number("01"), 1);
-    EXPECT_EQ(number(" -32768 "), -32768);
-    EXPECT_EQ(number("2.5"), 2);
-    for (const char* wrong : {"x", "1x", "32768", "", "--1", "1e3"})
-        EXPECT_THROW((void)number(wrong), PlatformFailure) << wrong;
-}
-
 } // namespace
 } // namespace fldc

@@ -11,7 +11,7 @@ import sys
 import time
 import unittest
 
-from workbench import Workbench, records
+from workbench import Workbench, lost_records
 
 PROGRAM, SIMULATOR = sys.argv[1], sys.argv[2]
 SAMPLES = pathlib.Path(sys.argv[3]).resolve()
@@ -52,19 +52,6 @@ def workbench(profile, faults=(), **more):
     return Workbench(PROGRAM, SIMULATOR, SAMPLES, profile, faults, **more)
 
 
-def missing_bytes(path, devices):
-    """Records of the file that no one memory device holds at their address."""
-    lost = []
-    for _, address, data in records(path):
-        for unit, start, content in devices.values():
-            at = (address - start) * unit
-            if at >= 0 and content[at:at + len(data)] == data:
-                break
-        else:
-            lost.append(f"{path.name} at {address:08X}")
-    return lost
-
-
 def wait_until_sent(bench, digits):
     while f"Sent     : {digits}" not in bench.log():
         time.sleep(0.05)
@@ -86,7 +73,7 @@ def run_case(case):
                 problems.append(f"{name} was left open")
         if outcome == DONE:
             devices, _ = bench.flash()
-            problems += [lost for file in files for lost in missing_bytes(file, devices)[:3]]
+            problems += [lost for file in files for lost in lost_records(file, devices)[:3]]
         if problems:
             problems += [bench.log()[-1500:], (bench.folder / "radio.txt").read_text()[-1500:]]
         return problems
@@ -99,34 +86,6 @@ class Downloads(unittest.TestCase):
             for case, problems in zip(CASES, pool.map(run_case, CASES)):
                 with self.subTest(case=case):
                     self.assertFalse(problems, "\n".join(problems))
-
-    def test_the_radio_reports_what_was_written(self):
-        with workbench("rv4200") as bench:
-            bench.download(SAMPLES / "rv4200/application.srec", SAMPLES / "rv4200/dsp.srec")
-            config = bench.log("0_Config.log")
-            before, after = config.split("After download...")
-            self.assertIn("JHA2F-1.20", before)
-            self.assertIn("JHA2F-2.03", after)
-            self.assertIn("JHA2A-1.10", after)
-            self.assertIn("JHA2F-2.03", bench.flash()[1])
-
-    def test_a_file_that_fits_nowhere_is_named(self):
-        with workbench("rv4200") as bench:
-            code, _ = bench.download(SAMPLES / "rv4100/shared_application.srec")
-            self.assertEqual(code, 0)
-            self.assertEqual(bench.outcome(), DONE)
-
-    def test_a_boot_file_that_is_not_there(self):
-        with workbench("rv4200") as bench:
-            (bench.folder / "JHA2U.Srec").unlink()
-            bench.download(SAMPLES / "rv4200/application.srec")
-            self.assertEqual(bench.outcome(), "Error 33 - File does not exist")
-
-    def test_an_fpga_image_is_declined_with_nobody_to_ask(self):
-        with workbench("rv4100") as bench:
-            bench.download(SAMPLES / "rv4100/fpga.srec")
-            self.assertEqual(bench.outcome(), "Error 1 - User cancelled upgrade")
-            self.assertNotIn("Sent", bench.log())
 
     def test_a_port_that_another_program_holds(self):
         with workbench("rv4100", ["silent@31"]) as bench:

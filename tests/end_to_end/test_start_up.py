@@ -88,7 +88,8 @@ class StartUp(unittest.TestCase):
                     self.assertEqual(run.returncode, code)
                     self.assertIn(text, out if text.endswith("Usage") else err)
             # A display that is named but not there; the library for it must not complain.
-            for more in ({"DISPLAY": ":987"}, {"WAYLAND_DISPLAY": "none"}, {"QT_QPA_PLATFORM": "offscreen"}):
+            for more in ({"DISPLAY": ":987"}, {"WAYLAND_DISPLAY": "none"},
+                         {"DISPLAY": ":987", "WAYLAND_DISPLAY": "/nowhere"}, {"QT_QPA_PLATFORM": "offscreen"}):
                 out, err = (run := bench.start(**more)).communicate(timeout=20)
                 self.assertEqual((run.returncode, out, err.count("\n")), (1, "", 1), more)
 

@@ -99,6 +99,13 @@ class Workbench:
         return devices, components
 
 
+def lost_records(path, devices):
+    """Records of the file that no one memory device holds at their address."""
+    return [f"{path.name} at {address:08X}" for _, address, data in records(path)
+            if not any(content[(address - start) * unit:][:len(data)] == data
+                       for unit, start, content in devices.values() if address >= start)]
+
+
 def records(path):
     """(image number, address, bytes) of every data record of an S-record file."""
     image = -1

@@ -1,16 +1,12 @@
 #include "platform/qt/display/DesktopMessages.h"
 #include "platform/qt/display/MessageChooser.h"
-#include "platform/qt/display/QtPlatformChoice.h"
 
 #include <QApplication>
 #include <QMessageBox>
-#include <QProcess>
 #include <QPushButton>
-#include <QTemporaryDir>
 #include <QTimer>
 
 #include <functional>
-#include <string_view>
 
 #include <gtest/gtest.h>
 
@@ -78,50 +74,13 @@ TEST(MessageChooser, ShowsAWindowOnlyWhereTheUserIsAtADisplay)
     EXPECT_FALSE(displayPresent()); // this program runs offscreen
 }
 
-TEST(QtPlatformChoice, StartsQuietlyWithoutADisplayThatCanBeReached)
-{
-    const QTemporaryDir runtime; // nobody listens there
-    const QString deaf = runtime.filePath(u"deaf"_s);
-    // Display, Wayland's, platform asked for and got.
-    const std::tuple<const char*, QString, const char*, const char*> rows[]{
-        {"", u""_s, "", "offscreen"},         {":987", u""_s, "", "offscreen"},
-        {":987", u"none"_s, "", "offscreen"}, {"", u"none"_s, "", "offscreen"},
-        {"", deaf, "", "offscreen"},          {":987", u""_s, "minimal", "minimal"}};
-    for (const bool withRuntime : {false, true}) {
-        for (const auto& [display, wayland, chosen, platform] : rows) {
-            auto environment = QProcessEnvironment::systemEnvironment();
-            environment.insert(u"DISPLAY"_s, QString::fromLatin1(display));
-            environment.insert(u"WAYLAND_DISPLAY"_s, wayland);
-            environment.insert(u"QT_QPA_PLATFORM"_s, QString::fromLatin1(chosen));
-            environment.remove(u"XDG_RUNTIME_DIR"_s);
-            if (withRuntime)
-                environment.insert(u"XDG_RUNTIME_DIR"_s, runtime.path());
-            QProcess program;
-            program.setProcessEnvironment(environment);
-            program.start(QCoreApplication::applicationFilePath(), {u"--print-platform"_s});
-            ASSERT_TRUE(program.waitForFinished());
-            EXPECT_EQ(program.exitStatus(), QProcess::NormalExit);
-            EXPECT_EQ(program.readAllStandardOutput(), platform);
-            EXPECT_EQ(program.readAllStandardError(), "") << qPrintable(wayland);
-        }
-    }
-}
-
 } // namespace
 } // namespace fldc
 
 int main(int argc, char** argv)
 {
-    const bool printPlatform = argc > 1 && std::string_view(argv[1]) == "--print-platform";
-    if (!printPlatform)
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    fldc::chooseQtPlatform();
+    qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
-    if (printPlatform) {
-        QWidget().show();
-        std::fputs(qPrintable(QGuiApplication::platformName()), stdout);
-        return 0;
-    }
     testing::InitGoogleTest(&argc, argv);
     return RUN_ALL_TESTS();
 }

@@ -2,7 +2,6 @@
 
 #include "protocol/ConfigurationKinds.h"
 #include "protocol/HardwareStrings.h"
-#include "protocol/wire/BootFiles.h"
 #include "protocol/wire/FlashLayout.h"
 #include "radio/clsRadio.h"
 #include "shared/LastError.h"
@@ -81,18 +80,6 @@ TEST(FlashLayout, ReadsBlocksAndRegions)
     }
 }
 // clang-format on
-
-TEST(BootFiles, AreChosenByTheWholeIdentifier)
-{
-    const std::pair<const char*, const char*> cases[]{
-        {"RVKC4*", "JHA2U.Srec"}, {"RVKC7*", "JHA4U.Srec"}, {"RVKB2*", "JVA2U.Srec"},
-        {"RVKB3*", "JVA3U.Srec"}, {"RHKB1*", "JWA1U.Srec"}, {"*", "JVA2U.Srec"},
-        {"V*", "JVA2U.Srec"},     {"rvkc4*", "JVA2U.Srec"}, {"RVKC4", "JVA2U.Srec"},
-    };
-    for (const auto& [identifier, file] : cases)
-        EXPECT_EQ(bootFileFor(QString::fromLatin1(identifier)), QString::fromLatin1(file))
-            << identifier;
-}
 
 struct Component {
     const char* product;

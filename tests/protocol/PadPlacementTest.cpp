@@ -94,21 +94,5 @@ TEST_P(PadPlacement, TouchesNothingElse)
 
 INSTANTIATE_TEST_SUITE_P(Runs, PadPlacement, testing::ValuesIn(padCases));
 
-// A radio whose last block ends beyond 32 bits: addresses in none of its blocks are not in block 0.
-TEST(FlashBlocks, AreNamedOnlyForAddressesInThem)
-{
-    VirtualPlatform machine;
-    colFlashBlocks blocks;
-    blocks.Add(0, QStringLiteral("00010000"), QStringLiteral("00010000"), {});
-    blocks.Add(1, QStringLiteral("7FFF0000"), QStringLiteral("00010000"), {});
-    ASSERT_TRUE(blocks.blockAround(0x10000));
-    EXPECT_EQ(blocks.blockAround(0x10000)->ID(), 0);
-    for (int lookUp = 0; lookUp < 2; ++lookUp)
-        machine.messages.expectBox(QStringLiteral("Error 6..."));
-    EXPECT_FALSE(blocks.blockAround(0x20000));
-    EXPECT_FALSE(blocks.blockAround(0x7FFF0000));
-    EXPECT_FALSE(blocks.blockAround(0x100010000));
-}
-
 } // namespace
 } // namespace fldc

@@ -37,6 +37,8 @@ TEST(FlashBlocks, ABlockThatEndsBeyondTheAddressesIsShownAndGivesZero)
     EXPECT_EQ(blocks.FindBlock(0xFF), 3); // found before the walk comes to it
     messages.expectBox(u"Error 6 Overflow"_s);
     EXPECT_EQ(blocks.FindBlock(0x7FFFFF00), 0);
+    messages.expectBox(u"Error 6 Overflow"_s);
+    EXPECT_FALSE(blocks.blockAround(0x7FFFFF00)) << "in none of them, not in block 0";
     EXPECT_EQ(failureNumber([&] { blocks.Add(1, u"0"_s, u"0x1"_s, {}); }), 13);
     EXPECT_EQ(blocks.Count(), 2);
 }
@@ -88,16 +90,6 @@ TEST(Configurations, WhatCannotBeReadIsNotAdded)
             failureNumber([&, text = data] { configurations.Add(QString::fromUtf16(text), {}); }),
             number);
     EXPECT_EQ(configurations.Count(), 0);
-}
-
-TEST(Configurations, AllNetworksAreZeroUntilOneIsNot)
-{
-    colConfigurations configurations;
-    EXPECT_TRUE(configurations.AllConfigNetworksZero());
-    configurations.Add(u"004200000001A00000010007"_s, {});
-    EXPECT_TRUE(configurations.AllConfigNetworksZero());
-    configurations.Add(u"004300000001A00000010100"_s, {});
-    EXPECT_FALSE(configurations.AllConfigNetworksZero());
 }
 
 } // namespace

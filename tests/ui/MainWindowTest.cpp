@@ -6,9 +6,7 @@
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
-#include <QGroupBox>
 #include <QHeaderView>
-#include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QTest>
@@ -20,15 +18,6 @@ namespace fldc {
 namespace {
 
 using MainWindowTest = WindowTest;
-
-QString textOf(const QWidget* widget)
-{
-    for (const char* property : {"text", "title", "currentText"}) {
-        if (widget->metaObject()->indexOfProperty(property) >= 0)
-            return widget->property(property).toString();
-    }
-    return {};
-}
 
 std::array<int, 5> columnWidths(const QTreeWidget& list)
 {
@@ -57,27 +46,6 @@ TEST_F(MainWindowTest, EveryControlIsThereWholeAndInTabOrder)
                              "cmdHelp ListView1 cmdSaveDetails txtCurrentDownload"));
     EXPECT_EQ(view->minimumSize(), view->maximumSize());
     EXPECT_TRUE(control<QLineEdit>("txtCurrentDownload")->isReadOnly());
-}
-
-TEST_F(MainWindowTest, NoTextIsCut)
-{
-    start();
-    for (const char* name : {"Label1", "Label2", "lblProgress", "lblCurrentDownload", "cmdConfig",
-                             "cmdErase", "cmdDownload", "cmdSaveDetails", "chkAccessLevel"}) {
-        const QWidget* widget = control(name);
-        const int extra = qobject_cast<const QAbstractButton*>(widget) == nullptr ? 0
-                          : name == std::string_view("chkAccessLevel")            ? 18
-                                                                                  : 6;
-        const QString text = textOf(widget).remove(u'&');
-        EXPECT_LE(widget->fontMetrics().horizontalAdvance(text) + extra, widget->width()) << name;
-        EXPECT_GE(widget->height(), widget->fontMetrics().height()) << name;
-    }
-    const auto* list = control<QTreeWidget>("ListView1");
-    for (int i = 0; i < 5; ++i)
-        EXPECT_LE(list->header()->fontMetrics().horizontalAdvance(list->headerItem()->text(i)) + 6,
-                  list->columnWidth(i));
-    EXPECT_LE(list->fontMetrics().horizontalAdvance(QStringLiteral("System Config Table")) + 24,
-              list->columnWidth(0));
 }
 
 TEST_F(MainWindowTest, APortIsChosenOncePerChange)
