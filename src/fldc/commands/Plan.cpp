@@ -11,6 +11,7 @@
 #include "protocol/wire/LineSpeeds.h"
 #include "radio/HardwareMatch.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace fldc::cli {
