@@ -134,9 +134,10 @@ public:
 
     // -- For the component only
 
-    /// Who is told of every event of the operations to come and of the running one (nullptr:
-    /// nobody). The caller keeps it alive until it gives another one. Loads tell nothing.
-    void setListener(session::IListener* listener) { m_teller->setListener(listener); }
+    /// Who else is told of every event of the operations to come and of the running one. The
+    /// caller keeps it alive until it removes it. Loads tell nothing.
+    void addListener(session::IListener& listener) { m_teller->addListener(listener); }
+    void removeListener(session::IListener& listener) { m_teller->removeListener(listener); }
     /// The window lets go of the manager while it unloads.
     void ReleaseWindow();
     /// Ends the running operation of this manager at its next wait with code 1, and the message

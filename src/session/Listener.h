@@ -3,7 +3,9 @@
 #include "session/Events.h"
 #include "shared/LastError.h"
 
+#include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace fldc::session {
 
@@ -21,22 +23,28 @@ public:
 /// that the operation still holds. Without a listener, telling costs one comparison.
 class Teller {
 public:
-    /// The caller keeps @p listener alive until it gives another one; nullptr: nobody.
-    void setListener(IListener* listener) { m_listener = listener; }
+    /// The caller keeps @p listener alive until it removes it. Told in the order of coming.
+    void addListener(IListener& listener) { m_listeners.push_back(&listener); }
+    void removeListener(IListener& listener) { std::erase(m_listeners, &listener); }
     /// Whether anybody listens: guards what is worth avoiding for nobody.
-    [[nodiscard]] bool heard() const { return m_listener != nullptr; }
+    [[nodiscard]] bool heard() const { return !m_listeners.empty(); }
 
     template <class Kind>
     void tell(Kind&& event) const
     {
-        if (m_listener == nullptr)
+        if (!heard())
             return;
         const LastErrorKeeper operationsOwn;
-        m_listener->onEvent(Event(std::forward<Kind>(event)));
+        const Event told(std::forward<Kind>(event));
+        // A listener may bring or remove others, itself too.
+        for (IListener* const listener : std::vector(m_listeners)) {
+            if (std::ranges::find(m_listeners, listener) != m_listeners.end())
+                listener->onEvent(told);
+        }
     }
 
 private:
-    IListener* m_listener = nullptr;
+    std::vector<IListener*> m_listeners;
 };
 
 } // namespace fldc::session

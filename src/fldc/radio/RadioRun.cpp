@@ -27,12 +27,12 @@ RadioRun::RadioRun(Context& context, const QString& device,
     m_manager = std::make_unique<clsDLManager>(m_radioPlatform.platform(),
                                                static_cast<IDownloadWindowFactory&>(*this),
                                                static_cast<IWaitDialogFactory&>(*this));
-    m_manager->setListener(&m_record);
+    m_manager->addListener(m_record);
 }
 
 RadioRun::~RadioRun()
 {
-    m_manager->setListener(nullptr);
+    m_manager->removeListener(m_record);
     m_manager->ShutDownUiLessMode();
 }
 
