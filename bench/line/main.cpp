@@ -1,6 +1,6 @@
 // What the program costs on the line: the share of the wire's time that a download uses, the host's
-// turnaround, processor time while a radio is silent, and the time from start to first byte. Prints
-// a table; the figures that it is compared with are measured in the same run.
+// turnaround, and processor time while a radio is silent. Prints a table; the figures that it is
+// compared with are measured in the same run.
 
 #include "line/Peer.h"
 
@@ -20,12 +20,7 @@
 #include <functional>
 #include <vector>
 
-#include <csignal>
-#include <fcntl.h>
-#include <poll.h>
 #include <sys/resource.h>
-#include <sys/wait.h>
-#include <termios.h>
 #include <unistd.h>
 
 namespace fldc {
@@ -190,42 +185,6 @@ void measureSilence()
                 100 * (processorSeconds() - before) / seconds);
 }
 
-/// From the start of the program to the reset byte on the line.
-void measureStart(const char* program)
-{
-    std::vector<double> times;
-    for (int run = 0; run < 11; ++run) {
-        int master = posix_openpt(O_RDWR | O_NOCTTY);
-        if (master < 0 || grantpt(master) != 0 || unlockpt(master) != 0)
-            std::abort();
-        const QByteArray path = ptsname(master);
-        const int slave = open(path.constData(), O_RDWR | O_NOCTTY);
-        termios raw{};
-        tcgetattr(slave, &raw);
-        cfmakeraw(&raw);
-        tcsetattr(slave, TCSANOW, &raw);
-        qputenv("RV4100_FLDC_PORTS", "COM1=" + path);
-        const auto start = Clock::now();
-        const pid_t process = fork();
-        if (process == 0) {
-            execl(program, program, "/p", "1", "/r", "1", "/f", "none", nullptr);
-            std::_Exit(127);
-        }
-        pollfd ready{master, POLLIN, 0};
-        if (poll(&ready, 1, 5000) == 1)
-            times.push_back(secondsSince(start));
-        kill(process, SIGKILL);
-        waitpid(process, nullptr, 0);
-        close(slave);
-        close(master);
-    }
-    if (times.empty())
-        std::printf("start to first byte on the line                 the program sent none\n");
-    else
-        std::printf("start to first byte on the line                 %6.1f ms\n",
-                    median(times) * 1e3);
-}
-
 } // namespace
 } // namespace fldc
 
@@ -235,7 +194,5 @@ int main(int argc, char** argv)
     fldc::measureWireUse();
     fldc::measureTurnaround();
     fldc::measureSilence();
-    if (argc > 1)
-        fldc::measureStart(argv[1]);
     return 0;
 }

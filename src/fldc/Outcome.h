@@ -29,6 +29,8 @@ struct Outcome {
     QString advice;                              ///< what to do next; empty: nothing is left to do
     QString radio = QStringLiteral("untouched"); ///< the session's name of the radio's state
     std::optional<DownloadOutcome> download;
+    /// Of a test of the line: the highest speed without a fault, if there is one.
+    std::optional<std::optional<std::uint32_t>> best;
 
     [[nodiscard]] bool ok() const { return exit == Exit::Done; }
 };

@@ -191,6 +191,10 @@ QJsonObject Program::resultObject(const Outcome& outcome) const
                            {"baud"_L1, download->baud},
                            {"retries"_L1, download->retries},
                            {"wire_bytes"_L1, qint64{download->wireBytes}}});
+    if (const auto& best = outcome.best)
+        object =
+            extended(object, kind::result,
+                     {{"best"_L1, *best ? QJsonValue(static_cast<qint64>(**best)) : QJsonValue()}});
     return object;
 }
 

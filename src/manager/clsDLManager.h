@@ -146,6 +146,12 @@ public:
     /// The same for good: every later operation ends with code 1, too, before anything is sent. For
     /// a process that is about to end.
     void endOperations();
+    /// Restarts the radio, whatever it is doing, with the log and the line opened and closed
+    /// around it. Codes 42, 21 and the port's.
+    std::int16_t RestartFromAnyState();
+    /// Measures the line at every speed by @p rounds short exchanges, which only listeners hear
+    /// of (LinkMeasured), and restarts the radio. The result is that of the log-on and the restart.
+    std::int16_t TestLink(std::int32_t rounds);
     /// What is known of the upgrade mode of this manager's radio.
     [[nodiscard]] UpgradeState upgradeState() const;
     /// SetBaudRate that counts for a download without a user, too, which goes by the automatic
@@ -207,6 +213,8 @@ private:
     void readFile(const QString& path, const std::shared_ptr<colFiles>& files) const;
 
     // Port and window (clsDLManager_port.cpp)
+    std::int16_t runOnLine(session::Operation kind, const std::function<void(Session&)>& steps);
+    void linkTestSteps(Session& session, std::int32_t rounds);
     void choosePort(const QString& strPort, bool blnUI);
     void showWindow(bool blnUI);
     void ensureWindow();

@@ -189,6 +189,54 @@ std::int32_t clsDLManager::ResetRadio()
     return result;
 }
 
+std::int16_t clsDLManager::RestartFromAnyState()
+{
+    return runOnLine(session::Operation::Restart, [](Session& session) {
+        session.protocol->RestartFromAnyState(session.window(), session.port());
+    });
+}
+
+std::int16_t clsDLManager::TestLink(std::int32_t rounds)
+{
+    return runOnLine(session::Operation::LinkTest,
+                     [&](Session& session) { linkTestSteps(session, rounds); });
+}
+
+// A radio that a speed has lost is restarted from wherever it is.
+void clsDLManager::linkTestSteps(Session& session, std::int32_t rounds)
+{
+    clsProtocol& protocol = *session.protocol;
+    protocol.SetUpgradeMode(0);
+    logRadioOn(session);
+    if (!lastError().ok())
+        return;
+    protocol.TestLink(session.window(), session.port(), rounds);
+    if (lastError().ok())
+        protocol.RestartRadio(session.window(), session.port());
+    else
+        protocol.RestartFromAnyState(session.window(), session.port());
+}
+
+// What an operation that touches no component has in common with the others.
+std::int16_t clsDLManager::runOnLine(session::Operation kind,
+                                     const std::function<void(Session&)>& steps)
+{
+    const OperationScope operation;
+    if (!operation.granted())
+        return refusedResult;
+    Session session = beginSession();
+    m_teller->tell(session::OperationStarted{kind});
+    trap(Trap::KeepCode, [&] {
+        session.openLogs();
+        if (session.openLine())
+            steps(session);
+    });
+    const std::int16_t result = takeResult();
+    closeSession(session, statusLine(displayText(Text::Ready)));
+    tellEnded(lastError());
+    return result;
+}
+
 IDownloadWindow& clsDLManager::window() const
 {
     if (!m_window)

@@ -13,7 +13,7 @@ public:
     /// Local date and time.
     [[nodiscard]] virtual QDateTime now() const = 0;
     /// Time since an arbitrary start; never runs backwards and ignores changes of the wall clock.
-    [[nodiscard]] virtual std::chrono::milliseconds monotonic() const = 0;
+    [[nodiscard]] virtual std::chrono::microseconds monotonic() const = 0;
 };
 
 /// The fixed text form of a date and time in the logs: "2026-11-22 21:05:33".

@@ -37,6 +37,8 @@ public:
     /// 41, 15, 1.
     virtual QString ReadBinary(std::int16_t intTimeout, const QString& strExist,
                                bool* blnTerminatorFound = nullptr) = 0;
+    /// True when not one byte came during the last read.
+    [[nodiscard]] virtual bool LastReadSilent() const = 0;
     /// Discards unread input and writes all of @p bytes. Codes 11, 12, 15, 1.
     virtual void WriteBinary(const QByteArray& bytes) = 0;
     /// Closes if open. Codes 12, 15.

@@ -197,6 +197,7 @@ bool clsSerial::readReply(Reply& reply, milliseconds timeout, int busyMarksAllow
         recordFailure({});
     }
     m_timer.StopTimer();
+    m_lastReadSilent = reply.received().isEmpty();
     if (finished)
         lastError().clear();
     else

@@ -38,6 +38,7 @@ public:
     void OpenPort() override;
     QString ReadBinary(std::int16_t intTimeout, const QString& strExist,
                        bool* blnTerminatorFound) override;
+    [[nodiscard]] bool LastReadSilent() const override { return m_lastReadSilent; }
     void WriteBinary(const QByteArray& bytes) override;
     void ClosePort() override;
     void SetPortParameters(const QString& strBaudRate, std::int32_t comInputMode) override;
@@ -68,6 +69,7 @@ private:
     std::shared_ptr<const session::Teller> m_teller;
     std::shared_ptr<ISerialControl> m_control;
     QByteArray m_lastSent;
+    bool m_lastReadSilent = true;
     modTimer m_timer;
     int m_runLeft = 0; ///< bytes that may be taken before events are served
 };

@@ -56,6 +56,11 @@ public:
     /// Raises the line speed as the entry @p intListIndex of the window's baud-rate list says
     /// ("Auto", "115200", "19200", "9600", "57600"). Code 56 when no speed could be agreed on.
     void NegotiateBaud(IProtocolWindow& UIForm, IPort& port, std::int32_t intListIndex);
+    /// Tries every speed, slowest first so that a radio lost at one has been heard at those below,
+    /// with @p rounds exchanges of the shortest frames there are, and tells a LinkMeasured for
+    /// each. Nothing but Set Baud Rate and Confirm Ready is sent. An error is left (42, or the
+    /// port's) when the radio no longer answers.
+    void TestLink(IProtocolWindow& UIForm, IPort& port, std::int32_t rounds);
     /// Line speed in decimal at which the radio was last known to answer.
     [[nodiscard]] QString PreviousBaudRate() const { return m_previousBaudRate; }
     void setPreviousBaudRate(const QString& speed) { m_previousBaudRate = speed; }
@@ -73,6 +78,9 @@ public:
                                  bool& blnUARequired, bool blnUIMode);
     /// Sends the boot application @p objFile byte by byte.
     void SendUpgradeApplication(IProtocolWindow& UIForm, IPort& port, const clsFile& objFile);
+    /// Restarts a radio of which nothing is known: by the reset byte at 19200 and 9600 baud, or out
+    /// of upgrade mode at whatever speed. Codes 42 (silent at all of them), 21.
+    void RestartFromAnyState(IProtocolWindow& UIForm, IPort& port);
 
     // -- Queries (clsProtocol_queries.cpp)
 
@@ -124,12 +132,14 @@ private:
                                       const QString& strSpeed);
     [[nodiscard]] bool returnToPreviousSpeed(IProtocolWindow& UIForm, IPort& port);
     [[nodiscard]] bool confirmReady(IPort& port);
+    [[nodiscard]] bool measureLink(IPort& port, std::int32_t rounds, session::LinkMeasured& link);
 
     // Upgrade mode
     void ResetAndWaitForRadio(IPort& port, bool& blnUARequired, bool& blnInUpgradeMode,
                               bool blnUIMode);
-    [[nodiscard]] bool resetAtEitherSpeed(IPort& port, bool& blnUARequired);
-    void resetAndListen(IPort& port, bool& blnUARequired);
+    [[nodiscard]] bool resetAtEitherSpeed(IPort& port, bool& blnUARequired,
+                                          session::Step step = session::Step::Reset);
+    void resetAndListen(IPort& port, bool& blnUARequired, session::Step step);
     [[nodiscard]] bool waitForPowerCycle(IPort& port, bool& blnUARequired, bool blnUIMode);
     [[nodiscard]] bool waitForPowerCycleByUser(IPort& port, bool& blnUARequired);
     [[nodiscard]] bool waitForPowerCycleUnattended(IPort& port, bool& blnUARequired);

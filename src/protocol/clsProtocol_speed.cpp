@@ -1,5 +1,6 @@
 #include "protocol/clsProtocol.h"
 
+#include "platform/IClock.h"
 #include "platform/IEvents.h"
 #include "platform/Platform.h"
 #include "port/IPort.h"
@@ -8,6 +9,8 @@
 #include "protocol/wire/LineSpeeds.h"
 #include "shared/DisplayTexts.h"
 #include "shared/LastError.h"
+
+#include <ranges>
 
 namespace fldc {
 
@@ -55,6 +58,51 @@ bool clsProtocol::returnToPreviousSpeed(IProtocolWindow& UIForm, IPort& port)
     if (!lastError().ok() && !confirmReady(port))
         return false;
     UIForm.setStatusPanelBaud(m_previousBaudRate);
+    return true;
+}
+
+void clsProtocol::TestLink(IProtocolWindow& UIForm, IPort& port, std::int32_t rounds)
+{
+    UIForm.setStatusPanelStatus(displayText(Text::SettingBaudRate));
+    for (const std::uint32_t speed : lineSpeeds | std::views::reverse) {
+        const QString text = QString::number(speed);
+        const bool answers = ChangeBaudRate(UIForm, port, text);
+        session::LinkMeasured link{speed, answers && m_previousBaudRate == text};
+        const bool goesOn = link.agreed ? measureLink(port, rounds, link) : answers;
+        const LastError outcome = lastError();
+        m_teller->tell(link);
+        if (!goesOn) {
+            lastError() = outcome;
+            return;
+        }
+    }
+    lastError().clear();
+}
+
+// False when the line failed or the operation was cancelled. That answers are missing is what is
+// measured; so many in a row are enough.
+bool clsProtocol::measureLink(IPort& port, std::int32_t rounds, session::LinkMeasured& link)
+{
+    constexpr int enough = 5;
+    int missing = 0;
+    while (link.rounds < rounds && missing < enough) {
+        const auto start = m_platform.clock.monotonic();
+        ++link.rounds;
+        const bool sent = SendCommand(port, 0ms, Command::ConfirmReady);
+        const bool answered = sent && readReply(port, 500ms);
+        const Code code = lastError().code();
+        if (!sent || code == Code::UserCancelled || code == Code::PortUnspecified) {
+            ++link.lost;
+            return false;
+        }
+        missing = answered ? 0 : missing + 1;
+        if (answered)
+            link.roundTrips.push_back(m_platform.clock.monotonic() - start);
+        else if (port.LastReadSilent())
+            ++link.lost;
+        else
+            ++link.corrupt;
+    }
     return true;
 }
 

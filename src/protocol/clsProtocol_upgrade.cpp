@@ -113,16 +113,16 @@ void clsProtocol::ResetAndWaitForRadio(IPort& port, bool& blnUARequired, bool& b
 
 // True when the radio answered the reset at 19200 baud. Else the last error is 21 (silent at 9600
 // too), 0 (it answered at 9600: it needs a power cycle with its F1 key) or the port's.
-bool clsProtocol::resetAtEitherSpeed(IPort& port, bool& blnUARequired)
+bool clsProtocol::resetAtEitherSpeed(IPort& port, bool& blnUARequired, session::Step step)
 {
-    resetAndListen(port, blnUARequired);
+    resetAndListen(port, blnUARequired, step);
     if (lastError().ok())
         return true;
 
     if (!setSpeed(port, 9600))
         return false;
     m_platform.events.pause(500ms);
-    resetAndListen(port, blnUARequired);
+    resetAndListen(port, blnUARequired, step);
     const bool answered = lastError().ok();
     m_upgrade.blnF1KeyRequired = answered;
     if (setSpeed(port, 19200) && !answered)
@@ -130,15 +130,16 @@ bool clsProtocol::resetAtEitherSpeed(IPort& port, bool& blnUARequired)
     return false;
 }
 
-void clsProtocol::resetAndListen(IPort& port, bool& blnUARequired)
+// @p step: what the reset is for.
+void clsProtocol::resetAndListen(IPort& port, bool& blnUARequired, session::Step step)
 {
     port.ResetRadio();
     const bool sent = lastError().ok();
     if (sent)
-        tellResetSent(*m_teller);
+        tellResetSent(*m_teller, step);
     port.WaitForReset(blnUARequired, false);
     if (sent)
-        tellResetAnswered(*m_teller);
+        tellResetAnswered(*m_teller, step);
 }
 
 // False when the operation ends here: the user gave up (1), nobody power-cycled the radio in time
@@ -151,7 +152,7 @@ bool clsProtocol::waitForPowerCycle(IPort& port, bool& blnUARequired, bool blnUI
     const bool answered = byUser ? waitForPowerCycleByUser(port, blnUARequired)
                                  : waitForPowerCycleUnattended(port, blnUARequired);
     if (answered)
-        tellResetAnswered(*m_teller);
+        tellResetAnswered(*m_teller, session::Step::Reset);
     return answered;
 }
 
@@ -215,6 +216,21 @@ void clsProtocol::FindRadioBaudRate(IPort& port, bool& blnUARequired, bool& blnI
             return;
         }
     }
+}
+
+void clsProtocol::RestartFromAnyState(IProtocolWindow& UIForm, IPort& port)
+{
+    UIForm.setStatusPanelStatus(displayText(Text::ResettingRadio));
+    bool unused = false;
+    if (!setSpeed(port, 19200) || resetAtEitherSpeed(port, unused, session::Step::Restart))
+        return;
+    // It came up at 9600 baud, or the port failed; else it is silent: it may be in upgrade mode.
+    if (lastError().code() != Code::RadioDidNotReset)
+        return;
+    bool blnInUpgradeMode = false;
+    FindRadioBaudRate(port, unused, blnInUpgradeMode);
+    if (blnInUpgradeMode)
+        RestartRadio(UIForm, port);
 }
 
 void clsProtocol::SendUpgradeApplication(IProtocolWindow& UIForm, IPort& port,

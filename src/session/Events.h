@@ -5,6 +5,7 @@
 #include <QByteArray>
 #include <QString>
 
+#include <chrono>
 #include <cstdint>
 #include <optional>
 #include <variant>
@@ -23,11 +24,12 @@
 ///         {TableBegun  {Data  DataProgress}...}...  TargetWritten  Lock  BlocksDone
 ///     ConfigurationsRead  StepTaken(Restart)  OperationEnded
 ///
-/// CommandRepeated, UnexpectedBytes and LineOpened (each change of speed opens the line anew) may
-/// stand anywhere between.
+/// A test of the line tells a LinkMeasured per speed in place of everything between the log-on and
+/// the restart. CommandRepeated, UnexpectedBytes and LineOpened (each change of speed opens the
+/// line anew) may stand anywhere between.
 namespace fldc::session {
 
-enum class Operation : std::uint8_t { Report, Download, Erase, Restart };
+enum class Operation : std::uint8_t { Report, Download, Erase, Restart, LinkTest };
 
 /// What changes a radio.
 enum class Step : std::uint8_t { Reset, Unlock, Erase, Data, Lock, Restart };
@@ -153,6 +155,16 @@ struct UnexpectedBytes {
     LooksLike looksLike;
 };
 
+/// Short exchanges at one speed, told when the last of them is done.
+struct LinkMeasured {
+    std::uint32_t baud;
+    bool agreed;              ///< false: the radio would not change to it, nothing else was tried
+    std::int32_t rounds = 0;  ///< exchanges tried; fewer than wanted where too many were lost
+    std::int32_t lost = 0;    ///< without a single byte for an answer
+    std::int32_t corrupt = 0; ///< answered with anything but what the answer is
+    std::vector<std::chrono::microseconds> roundTrips = {}; ///< of the others, in their order
+};
+
 struct OperationEnded {
     std::int32_t code; ///< result of the operation, 0 = success
     QString text;      ///< its message
@@ -161,6 +173,6 @@ struct OperationEnded {
 using Event = std::variant<StepTaken, OperationStarted, LineOpened, PowerCycleRequired, LoggedOn,
                            BootApplicationSent, SpeedAgreed, ConfigurationsRead, TargetBegun,
                            BlocksDone, TableBegun, DataProgress, TargetWritten, CommandRepeated,
-                           UnexpectedBytes, OperationEnded>;
+                           UnexpectedBytes, LinkMeasured, OperationEnded>;
 
 } // namespace fldc::session

@@ -12,7 +12,8 @@ namespace fldc::session {
 
 [[nodiscard]] constexpr QStringView nameOf(Operation operation)
 {
-    constexpr std::array<QStringView, 4> names{u"report", u"download", u"erase", u"restart"};
+    constexpr std::array<QStringView, 5> names{u"report", u"download", u"erase", u"restart",
+                                               u"link-test"};
     return names[static_cast<std::size_t>(operation)];
 }
 

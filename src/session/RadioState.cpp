@@ -157,6 +157,7 @@ constexpr std::array table{
     Row{kind<TargetWritten>,                        U, R, M, L, E, W, W, W, K, S},
     Row{kind<CommandRepeated>,                      U, R, M, L, E, P, T, W, K, S},
     Row{kind<UnexpectedBytes>,                      U, R, M, L, E, P, T, W, K, S},
+    Row{kind<LinkMeasured>,                         U, R, M, L, E, P, T, W, K, S},
     Row{kind<OperationEnded>,                       U, R, M, L, E, P, T, W, K, S},
     Row{loggedOnWithoutBootApplication,             R, R, M, L, E, P, T, W, K, R},
 };

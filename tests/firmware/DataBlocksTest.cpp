@@ -28,17 +28,6 @@ TEST(DataBlocks, TakeHexTextToTheEvenByteAndRefuseTheRest)
     }
 }
 
-TEST(DataBlocks, HoldRoomOf513BytesUntilFinished)
-{
-    colDataBlocks blocks;
-    EXPECT_EQ(failureNumber([&] { blocks.CompressData(); }), 9);
-    EXPECT_EQ(blocks.data(), QByteArray(513, '\0'));
-    blocks.Add(u"010203");
-    EXPECT_EQ(blocks.data(), QByteArray("\1\2\3", 3) + QByteArray(513, '\0'));
-    blocks.AddBytes(std::vector<std::uint8_t>(513, 0xAA));
-    EXPECT_EQ(blocks.data(), QByteArray("\1\2\3", 3) + QByteArray(513, '\xAA'));
-}
-
 TEST(DataBlocks, CompressWhatGetsSmallerAndPadBothToEven)
 {
     for (std::size_t size = 999; size < 1050; ++size) {

@@ -32,7 +32,10 @@ protected:
     [[nodiscard]] ScriptedLine& line() const { return machine.line(); }
     [[nodiscard]] static int code() { return lastError().number(); }
     /// Virtual milliseconds since the test began.
-    [[nodiscard]] int now() const { return static_cast<int>(machine.time.monotonic().count()); }
+    [[nodiscard]] int now() const
+    {
+        return static_cast<int>(machine.time.monotonic() / std::chrono::milliseconds(1));
+    }
 
     VirtualPlatform machine;
     std::shared_ptr<Cancellation> cancellation = std::make_shared<Cancellation>();

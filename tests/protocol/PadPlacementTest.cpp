@@ -47,7 +47,7 @@ const PadCase padCases[]{
     {"A", {{0x3E, "010203"}}, "3E+3=01020300"},
 };
 
-class PadPlacement : public testing::TestWithParam<PadCase> {
+class PadPlacement : public testing::TestWithParam<std::size_t> {
 protected:
     PadPlacement()
     {
@@ -80,7 +80,7 @@ protected:
 
 TEST_P(PadPlacement, TouchesNothingElse)
 {
-    const auto tables = placePads(*read(GetParam()), blocks);
+    const auto tables = placePads(*read(padCases[GetParam()]), blocks);
     QStringList written;
     for (int i = 0; tables && i < tables->Count(); ++i) {
         const auto bytes = tables->Datablocks(i)->data();
@@ -89,10 +89,10 @@ TEST_P(PadPlacement, TouchesNothingElse)
                    QString::fromLatin1(bytes.toHex().toUpper());
     }
     const QString got = tables ? written.join(u' ') : QString::number(lastError().number());
-    EXPECT_EQ(got.toStdString(), GetParam().written);
+    EXPECT_EQ(got.toStdString(), padCases[GetParam()].written);
 }
 
-INSTANTIATE_TEST_SUITE_P(Runs, PadPlacement, testing::ValuesIn(padCases));
+INSTANTIATE_TEST_SUITE_P(Runs, PadPlacement, testing::Range<std::size_t>(0, std::size(padCases)));
 
 } // namespace
 } // namespace fldc

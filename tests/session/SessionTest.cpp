@@ -110,11 +110,11 @@ TEST(RadioState, FollowsFromWhatHappened)
 
 TEST(RadioState, FlashThatIsNotWholeStaysSoWhateverElseHappens)
 {
-    const Event others[]{LineOpened{},          PowerCycleRequired{}, LoggedOn{},
-                         LoggedOn{{}, true},    SpeedAgreed{},        ConfigurationsRead{},
-                         TargetBegun{},         BlocksDone{},         TableBegun{},
-                         DataProgress{},        CommandRepeated{},    UnexpectedBytes{},
-                         BootApplicationSent{}, OperationEnded{}};
+    const Event others[]{LineOpened{},       PowerCycleRequired{},  LoggedOn{},
+                         LoggedOn{{}, true}, SpeedAgreed{},         ConfigurationsRead{},
+                         TargetBegun{},      BlocksDone{},          TableBegun{},
+                         DataProgress{},     CommandRepeated{},     UnexpectedBytes{},
+                         LinkMeasured{},     BootApplicationSent{}, OperationEnded{}};
     for (const char* events : {"u e", "u e d", "u e d all", "u e d all l", "u e d all l u e"}) {
         const Radio radio = after(QString::fromLatin1(events));
         for (const Event& event : others)

@@ -31,7 +31,7 @@ public:
     [[nodiscard]] int start(milliseconds period, std::function<void()> callback) override;
     void stop(int id) noexcept override;
     [[nodiscard]] QDateTime now() const override { return m_start.addMSecs(m_now.count()); }
-    [[nodiscard]] milliseconds monotonic() const override { return m_now; }
+    [[nodiscard]] std::chrono::microseconds monotonic() const override { return m_now; }
 
 private:
     struct Timer {

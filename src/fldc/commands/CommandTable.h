@@ -18,6 +18,8 @@ namespace fldc::cli {
 [[nodiscard]] Outcome runReport(Context& context);
 [[nodiscard]] Outcome runDownload(Context& context);
 [[nodiscard]] Outcome runErase(Context& context);
+[[nodiscard]] Outcome runRestart(Context& context);
+[[nodiscard]] Outcome runLinkTest(Context& context);
 [[nodiscard]] Outcome runInspect(Context& context);
 [[nodiscard]] Outcome runPlan(Context& context);
 [[nodiscard]] Outcome runCertificate(Context& context);

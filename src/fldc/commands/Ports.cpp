@@ -12,17 +12,12 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// A port that is not there can't be used either; the description says so.
-constexpr std::array<QStringView, 4> stateNames{u"free", u"in use", u"no permission", u"in use"};
+/// Of ports that are there; the others are no ports to choose from.
+constexpr std::array<QStringView, 3> stateNames{u"free", u"in use", u"no permission"};
 
 QJsonValue textOrNull(const QString& text)
 {
     return text.isEmpty() ? QJsonValue() : QJsonValue(validText(text));
-}
-
-QString descriptionOf(const DeviceFacts& facts)
-{
-    return facts.state == PortState::NoDevice ? u"no such device"_s : facts.hardware.description;
 }
 
 QJsonObject portObject(const QString& name, const DeviceFacts& facts)
@@ -33,7 +28,7 @@ QJsonObject portObject(const QString& name, const DeviceFacts& facts)
         kind::port, {{"name"_L1, name},
                      {"device"_L1, validText(facts.device)},
                      {"stable"_L1, textOrNull(facts.stableNames.value(0))},
-                     {"description"_L1, textOrNull(descriptionOf(facts))},
+                     {"description"_L1, textOrNull(facts.hardware.description)},
                      {"vendor"_L1, textOrNull(facts.hardware.vendor)},
                      {"product"_L1, textOrNull(facts.hardware.product)},
                      {"serial"_L1, textOrNull(facts.hardware.serial)},
@@ -50,7 +45,7 @@ QString portLine(const QString& name, const DeviceFacts& facts)
                                 : u" by %1 (%2)"_s.arg(user->program).arg(user->pid);
     return u"%1 %2 %3  %4\n"_s.arg(name, -7)
         .arg(facts.device, -20)
-        .arg(descriptionOf(facts), -24)
+        .arg(facts.hardware.description, -24)
         .arg(state);
 }
 
@@ -61,14 +56,20 @@ Outcome runPorts(Context& context)
     const SettingsFile settings(SettingsFile::defaultPath());
     const PortMap devices = PortListing(settings).devices();
     DeviceInspector inspector(LinuxSystem::thisMachine());
+    qsizetype found = 0;
     for (auto each = devices.constBegin(); each != devices.constEnd(); ++each) {
         const QString name = u"COM%1"_s.arg(each.key());
         const DeviceFacts facts = inspector.facts(each.value());
+        if (facts.state == PortState::NoDevice) {
+            context.output.terminal().note(
+                u"%1 is set to %2, which is not there."_s.arg(name, validText(facts.device)));
+            continue;
+        }
+        ++found;
         context.output.tell(kind::port, portObject(name, facts));
         context.output.print(portLine(name, facts));
     }
-    return done(devices.isEmpty() ? u"This machine has no serial ports."_s
-                                  : u"%1 ports."_s.arg(devices.size()));
+    return done(found == 0 ? u"This machine has no serial ports."_s : u"%1 ports."_s.arg(found));
 }
 
 } // namespace fldc::cli

@@ -79,6 +79,14 @@ void addDownload(CLI::App& command, Options& options)
         ->type_name("DIR");
 }
 
+void addRounds(CLI::App& command, Options& options)
+{
+    command.add_option("--rounds", options.rounds, "Exchanges at each speed")
+        ->type_name("N")
+        ->check(CLI::Range(1, 100'000))
+        ->capture_default_str();
+}
+
 void addCompression(CLI::App& command, Options& options)
 {
     command.add_option("--compression", options.compression, "How the data are compressed")

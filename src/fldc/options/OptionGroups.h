@@ -20,6 +20,7 @@ void addOneFile(CLI::App& command, Options& options);       ///< FILE
 void addComponents(CLI::App& command, Options& options);    ///< COMPONENT...
 void addLogOn(CLI::App& command, Options& options);         ///< of every command that logs on
 void addDownload(CLI::App& command, Options& options);
+void addRounds(CLI::App& command, Options& options); ///< --rounds N
 void addCompression(CLI::App& command, Options& options);
 /// --json, --log and --version, which stand before or behind the command.
 void addGeneral(CLI::App& command, Options& options);

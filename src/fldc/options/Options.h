@@ -24,6 +24,7 @@ struct Options {
     bool specialLogOn = false;
     bool allowFpga = false;
     std::optional<std::string> compression; ///< "standard" or "best"; else as the settings say
+    std::int32_t rounds = 200;              ///< exchanges of link-test at each speed
     std::string unit;
     std::string job;
     std::optional<std::string> certificate; ///< folder

@@ -41,7 +41,7 @@ inline constexpr ObjectKind powerCycleRequired{"power-cycle-required", "f1_key"}
 inline constexpr ObjectKind restarted{"restarted", ""};
 inline constexpr ObjectKind result{
     "result", "command ok exit code message advice radio seconds written? not_matched? "
-              "confirmed? baud? retries? wire_bytes?"};
+              "confirmed? baud? retries? wire_bytes? best?"};
 
 inline constexpr ObjectKind file{"file", "path sha256 bytes valid errors images"};
 inline constexpr ObjectKind fileError{"file.errors", "line reason expected? found?"};
@@ -54,6 +54,8 @@ inline constexpr ObjectKind plan{"plan", "images seconds matches? not_matched?"}
 inline constexpr ObjectKind planImage{
     "plan.images", "tag unit_bits boot_application targets tables frames wire_bytes"};
 inline constexpr ObjectKind planMatch{"plan.matches", "tag product network device"};
+
+inline constexpr ObjectKind link{"link", "baud rounds lost corrupt median_ms p99_ms agreed"};
 
 inline constexpr ObjectKind check{"check", "subject ok finding hint"};
 
@@ -97,6 +99,7 @@ inline constexpr std::array objectKinds{
     kind::plan,
     kind::planImage,
     kind::planMatch,
+    kind::link,
     kind::check,
     kind::certificate,
     kind::certificateDifference,

@@ -217,6 +217,12 @@ void RunRecord::on(const session::UnexpectedBytes& event)
                               {"text"_L1, printable(QString::fromLatin1(event.bytes))}}));
 }
 
+void RunRecord::on(const session::LinkMeasured& event)
+{
+    m_links.push_back(event);
+    m_output.tell(kind::link, linkObject(event));
+}
+
 void RunRecord::on(const session::OperationEnded& event)
 {
     m_ending = {static_cast<Code>(event.code), event.text};

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "fldc/radio/LinkView.h"
 #include "session/Events.h"
 #include "session/Listener.h"
 #include "session/RadioState.h"
@@ -68,6 +69,8 @@ public:
     [[nodiscard]] bool lastStepRefused() const { return m_lastStepRefused; }
     /// Of the last operation: an erasure's own failure, not that of reading again.
     [[nodiscard]] const Ending& ending() const { return m_ending; }
+    /// Speeds of the line that were measured, in their order.
+    [[nodiscard]] const LinkSpeeds& links() const { return m_links; }
     [[nodiscard]] std::int32_t baud() const { return m_baud; }
     [[nodiscard]] std::int32_t retries() const { return m_retries; }
     [[nodiscard]] std::int64_t wireBytes() const { return m_wireBytes + m_targetBytes; }
@@ -88,6 +91,7 @@ private:
     void on(const session::TargetWritten& event);
     void on(const session::CommandRepeated& event);
     void on(const session::UnexpectedBytes& event);
+    void on(const session::LinkMeasured& event);
     void on(const session::OperationEnded& event);
 
     Surroundings m_surroundings;
@@ -105,6 +109,7 @@ private:
     std::int64_t m_wireBytes = 0; ///< of the targets before the present one
     std::int64_t m_targetBytes = 0;
     std::vector<WrittenTarget> m_targets;
+    LinkSpeeds m_links;
     std::array<std::optional<std::vector<session::Component>>, 3> m_components;
     session::Rate m_rate;
     QElapsedTimer m_clock;

@@ -212,6 +212,33 @@ Outcome verdictOfReport(const RunRecord& record)
     return outcome;
 }
 
+Outcome verdictOfRestart(const RunRecord& record)
+{
+    if (record.ending().code != Code::Success)
+        return outcomeOf(exitBeforeErase(record.ending().code, record), record);
+    Outcome outcome = outcomeOf(Exit::Done, record);
+    outcome.message = u"The radio restarted."_s;
+    return outcome;
+}
+
+Outcome verdictOfLinkTest(const RunRecord& record)
+{
+    const auto best = bestSpeed(record.links());
+    Outcome outcome = verdictOfRestart(record);
+    outcome.best.emplace(best);
+    if (!outcome.ok())
+        return outcome;
+    outcome.message =
+        best ? u"Every exchange was answered at %1 baud. Short exchanges do not prove that long "
+               "frames get through."_s.arg(*best)
+             : u"At no speed was every exchange answered; the radio restarted."_s;
+    if (!best) {
+        outcome.exit = Exit::NoConversation;
+        outcome.advice = u"Check cable and adapter, then test again before anything is written."_s;
+    }
+    return outcome;
+}
+
 Outcome verdictOfDownload(const RunRecord& record,
                           const std::vector<std::shared_ptr<clsFile>>& images)
 {

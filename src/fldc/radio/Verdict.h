@@ -14,6 +14,12 @@ namespace fldc::cli {
 /// Of a run that was to change nothing in flash (report).
 [[nodiscard]] Outcome verdictOfReport(const RunRecord& record);
 
+/// Of a restart.
+[[nodiscard]] Outcome verdictOfRestart(const RunRecord& record);
+
+/// Of a test of the line.
+[[nodiscard]] Outcome verdictOfLinkTest(const RunRecord& record);
+
 /// Of a download of @p images, in their order.
 [[nodiscard]] Outcome verdictOfDownload(const RunRecord& record,
                                         const std::vector<std::shared_ptr<clsFile>>& images);

@@ -87,14 +87,14 @@ void tellAnswered(const session::Teller& teller, Command command, const QByteArr
         teller.tell(blocksDone(*told->action, data));
 }
 
-void tellResetSent(const session::Teller& teller)
+void tellResetSent(const session::Teller& teller, Step step)
 {
-    teller.tell(session::StepTaken{Step::Reset, Outcome::Sent});
+    teller.tell(session::StepTaken{step, Outcome::Sent});
 }
 
-void tellResetAnswered(const session::Teller& teller)
+void tellResetAnswered(const session::Teller& teller, Step step)
 {
-    tellOutcome(teller, Step::Reset);
+    tellOutcome(teller, step);
 }
 
 void tellRepeated(const session::Teller& teller, Command command, int attempt)

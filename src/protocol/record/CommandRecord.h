@@ -18,8 +18,8 @@ void tellSent(const session::Teller& teller, Command command);
 /// What came of @p command, sent with @p data: the last error says it.
 void tellAnswered(const session::Teller& teller, Command command, const QByteArray& data = {});
 /// The same for the reset, which is no command.
-void tellResetSent(const session::Teller& teller);
-void tellResetAnswered(const session::Teller& teller);
+void tellResetSent(const session::Teller& teller, session::Step step);
+void tellResetAnswered(const session::Teller& teller, session::Step step);
 /// @p command is about to be sent for the @p attempt-th time, because of the last error.
 void tellRepeated(const session::Teller& teller, Command command, int attempt);
 /// @p reply (hex text) to @p frame could not be read.
