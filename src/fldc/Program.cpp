@@ -19,8 +19,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int schema = 1;
-
 QString versionText()
 {
     const ProgramVersion version = ProgramInfo().version();

@@ -16,8 +16,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr int schema = 1;
-
 QString userName()
 {
     const uid_t user = ::geteuid();

@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::array table{
+constexpr std::array commandTable{
     Command{"ports", "List the serial ports, without opening one", PortUse::None, {}, runPorts},
     Command{"report",
             "Read the radio's configurations",
@@ -57,13 +57,13 @@ constexpr std::array table{
 
 std::span<const Command> commands()
 {
-    return table;
+    return commandTable;
 }
 
 const Command* findCommand(std::string_view name)
 {
-    const auto* found = std::ranges::find(table, name, &Command::name);
-    return found == table.end() ? nullptr : found;
+    const auto* found = std::ranges::find(commandTable, name, &Command::name);
+    return found == commandTable.end() ? nullptr : found;
 }
 
 } // namespace fldc::cli

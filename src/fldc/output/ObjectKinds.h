@@ -18,6 +18,9 @@ struct ObjectKind {
     QLatin1StringView keys;
 };
 
+/// Number of this list of keys; another one when a key changes its meaning or goes.
+inline constexpr int schema = 1;
+
 namespace kind {
 
 inline constexpr ObjectKind started{"started", "schema command port device files version"};
