@@ -66,6 +66,13 @@ int Program::run(HeldSignals& held)
     // A command that waits for a radio is given its end by wantsEnd() in the event loop.
     const SignalWatch signalWatch([] {});
     held.release();
+    const int code = runWatched(signalWatch);
+    held.hold(); // what comes now must not make another exit code of one that was told
+    return code;
+}
+
+int Program::runWatched(const SignalWatch& signalWatch)
+{
     if (!m_line.text.isEmpty()) {
         m_output.printAlways(m_line.text);
         return close(Exit::Done, signalWatch);

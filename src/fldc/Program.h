@@ -31,6 +31,7 @@ public:
     [[nodiscard]] int run(HeldSignals& held);
 
 private:
+    [[nodiscard]] int runWatched(const SignalWatch& signalWatch);
     [[nodiscard]] Outcome runCommand(const SignalWatch& signalWatch);
     [[nodiscard]] QJsonObject tellStarted(const struct NamedPort& port,
                                           const class InputFiles& files);

@@ -10,7 +10,7 @@
 #include "shared/DisplayTexts.h"
 #include "shared/LastError.h"
 
-#include <ranges>
+#include <algorithm>
 
 namespace fldc {
 
@@ -64,7 +64,9 @@ bool clsProtocol::returnToPreviousSpeed(IProtocolWindow& UIForm, IPort& port)
 void clsProtocol::TestLink(IProtocolWindow& UIForm, IPort& port, std::int32_t rounds)
 {
     UIForm.setStatusPanelStatus(displayText(Text::SettingBaudRate));
-    for (const std::uint32_t speed : lineSpeeds | std::views::reverse) {
+    auto slowestFirst = lineSpeeds;
+    std::ranges::reverse(slowestFirst);
+    for (const std::uint32_t speed : slowestFirst) {
         const QString text = QString::number(speed);
         const bool answers = ChangeBaudRate(UIForm, port, text);
         session::LinkMeasured link{speed, answers && m_previousBaudRate == text};

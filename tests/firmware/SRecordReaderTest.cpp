@@ -156,7 +156,7 @@ TEST(NotValidFile, EndsWith34AndSaysWhereAndWhy)
         const char* text;
         int line;           ///< where reading stops
         const char* reason; ///< part of it
-        int images = 0;     ///< what stays
+        long images = 0;    ///< what stays
     };
     const Case cases[]{
         {"", 0, "ends before"},

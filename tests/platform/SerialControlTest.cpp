@@ -79,7 +79,7 @@ namespace fldc {
 namespace {
 
 class SerialControlTest : public testing::Test {
-protected:
+public:
     SerialControlTest() { nameDevice(far.path()); }
     ~SerialControlTest() override
     {
@@ -87,6 +87,7 @@ protected:
         qunsetenv("RV4100_FLDC_PORTS");
     }
 
+protected:
     /// Times that the program wakes up while it waits so long.
     int wakeUpsIn(std::chrono::milliseconds duration)
     {

@@ -69,10 +69,11 @@ public:
 
 /// A manager on a machine in memory, with the real main window.
 class WindowTest : public testing::Test, public IDownloadWindowFactory, public IWaitDialogFactory {
-protected:
+public:
     WindowTest();
     ~WindowTest() override;
 
+protected:
     void start();
     [[nodiscard]] std::shared_ptr<IDownloadWindow> createWindow() override;
     [[nodiscard]] std::unique_ptr<IWaitDialog> createWaitDialog() override { return nullptr; }

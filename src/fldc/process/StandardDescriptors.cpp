@@ -17,7 +17,7 @@ void openStandardDescriptors()
     }
 }
 
-HeldSignals::HeldSignals()
+void HeldSignals::hold()
 {
     sigset_t signals{};
     sigemptyset(&signals);

@@ -8,14 +8,13 @@ namespace fldc::cli {
 /// opens a file: a serial line that became descriptor 1 would be sent every text of the program.
 void openStandardDescriptors();
 
-/// Holds back the signals that ask a program to end until something can take them.
+/// Holds back the signals that ask a program to end: until something can take them, and from the
+/// moment on when its exit code stands. They stay held when the object goes.
 class HeldSignals {
 public:
-    HeldSignals();
-    ~HeldSignals() { release(); }
-    HeldSignals(const HeldSignals&) = delete;
-    HeldSignals& operator=(const HeldSignals&) = delete;
+    HeldSignals() { hold(); }
 
+    void hold();
     /// Those that came meanwhile arrive now.
     void release();
 
