@@ -38,6 +38,16 @@ if(FLDC_SANITIZE)
   target_link_options(fldc_settings INTERFACE ${sanitizers})
 endif()
 
+# What makes a fault of memory end the program instead of being used. The optimiser is needed for the
+# checked functions of the C library.
+option(FLDC_HARDEN "Hardened executables" ON)
+if(FLDC_HARDEN AND NOT FLDC_SANITIZE)
+  target_compile_options(fldc_settings INTERFACE -fstack-protector-strong -fstack-clash-protection -fcf-protection)
+  target_compile_definitions(fldc_settings INTERFACE _GLIBCXX_ASSERTIONS
+                                                     $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=3>)
+  target_link_options(fldc_settings INTERFACE -Wl,-z,relro,-z,now -pie)
+endif()
+
 # fldc_library(name SOURCES file... LINKS library...): one static library per folder.
 function(fldc_library name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})

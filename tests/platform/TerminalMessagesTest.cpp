@@ -53,7 +53,7 @@ TEST(TerminalMessages, NobodyToAskIsNoAndTextsGoToTheirOutputs)
         ASSERT_EQ(::pipe2(ends, O_CLOEXEC | O_NONBLOCK), 0);
     const auto content = [](int descriptor) {
         char bytes[200] = {};
-        static_cast<void>(::read(descriptor, bytes, sizeof bytes - 1));
+        [[maybe_unused]] const auto count = ::read(descriptor, bytes, sizeof bytes - 1);
         return QByteArray(bytes);
     };
     ASSERT_EQ(::write(input[1], "y\n", 2), 2);
