@@ -20,7 +20,7 @@ QString reportLines(const std::vector<session::Component>& components)
                     .arg(each.product, -16)
                     .arg(each.network, 7)
                     .arg(each.device, 6)
-                    .arg(StatusText(each.status));
+                    .arg(session::StatusText(each.status));
     return text;
 }
 

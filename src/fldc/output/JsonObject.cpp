@@ -38,16 +38,35 @@ int requiredKeys(const ObjectKind& kind)
     return count;
 }
 
+// Returns 1 for a field that every object of the kind must have, else 0.
+int insertField(QJsonObject& object, const ObjectKind& kind, QLatin1StringView key,
+                const QJsonValue& value)
+{
+    if (object.contains(key))
+        throwWrongKey(kind, key);
+    object.insert(key, value.isString() ? QJsonValue(validText(value.toString())) : value);
+    return keyOf(kind, key) == 1 ? 1 : 0;
+}
+
 int insertFields(QJsonObject& object, const ObjectKind& kind, Fields fields)
 {
     int required = 0;
-    for (const auto& [key, value] : fields) {
-        required += keyOf(kind, key) == 1 ? 1 : 0;
-        if (object.contains(key))
-            throwWrongKey(kind, key);
-        object.insert(key, value.isString() ? QJsonValue(validText(value.toString())) : value);
-    }
+    for (const auto& [key, value] : fields)
+        required += insertField(object, kind, key, value);
     return required;
+}
+
+// @p kindName: of the object that has the field @p key.
+QJsonValue toJson(const QVariant& value, const QString& kindName, const QString& key)
+{
+    if (value.typeId() == QMetaType::QVariantMap)
+        return makeObject(kindNamed(QString(kindName + u'.' + key)), value.toMap());
+    if (value.typeId() != QMetaType::QVariantList)
+        return QJsonValue::fromVariant(value);
+    QJsonArray array;
+    for (const QVariant& each : value.toList())
+        array.append(toJson(each, kindName, key));
+    return array;
 }
 
 } // namespace
@@ -58,6 +77,27 @@ QJsonObject makeObject(const ObjectKind& kind, Fields fields)
     if (insertFields(object, kind, fields) != requiredKeys(kind))
         throwWrongKey(kind, "missing"_L1);
     return object;
+}
+
+QJsonObject makeObject(const ObjectKind& kind, const QVariantMap& fields)
+{
+    QJsonObject object;
+    int required = 0;
+    for (auto field = fields.begin(); field != fields.end(); ++field)
+        required += insertField(object, kind, QLatin1StringView(field.key().toLatin1()),
+                                toJson(*field, kind.name, field.key()));
+    if (required != requiredKeys(kind))
+        throwWrongKey(kind, "missing"_L1);
+    return object;
+}
+
+const ObjectKind& kindNamed(QAnyStringView name)
+{
+    const auto* found = std::ranges::find_if(
+        objectKinds, [&](const ObjectKind& kind) { return QAnyStringView(kind.name) == name; });
+    if (found == objectKinds.end())
+        throw PlatformFailure(FailureNumber::Internal, u"JSON object "_s + name.toString());
+    return *found;
 }
 
 QJsonObject extended(QJsonObject object, const ObjectKind& kind, Fields more)

@@ -7,6 +7,7 @@
 #include <QJsonValue>
 #include <QString>
 #include <QStringList>
+#include <QVariantMap>
 
 #include <initializer_list>
 #include <utility>
@@ -18,6 +19,10 @@ using Fields = std::initializer_list<std::pair<QLatin1StringView, QJsonValue>>;
 /// An object of that kind. Its keys are those of the kind: one that the kind does not have, or that
 /// is missing, is a fault of the program (PlatformFailure, internal error).
 [[nodiscard]] QJsonObject makeObject(const ObjectKind& kind, Fields fields);
+/// The same of what is told of an event, its parts included.
+[[nodiscard]] QJsonObject makeObject(const ObjectKind& kind, const QVariantMap& fields);
+/// The kind with that name; one that is not there is a fault of the program likewise.
+[[nodiscard]] const ObjectKind& kindNamed(QAnyStringView name);
 /// The same for keys that only some objects of the kind have: @p more goes on @p object.
 [[nodiscard]] QJsonObject extended(QJsonObject object, const ObjectKind& kind, Fields more);
 

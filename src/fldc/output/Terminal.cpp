@@ -71,16 +71,6 @@ void Terminal::write(const QString& text)
         m_stream.write(text.toUtf8());
 }
 
-QString printable(const QString& text)
-{
-    QString clean = text;
-    for (QChar& character : clean) {
-        if (character != u'\n' && character.category() == QChar::Other_Control)
-            character = QChar::ReplacementCharacter;
-    }
-    return clean;
-}
-
 QString oneLine(const QString& name)
 {
     return printable(name).replace(u'\n', QChar::ReplacementCharacter);

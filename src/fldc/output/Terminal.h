@@ -2,6 +2,7 @@
 
 #include "fldc/output/ProgressView.h"
 #include "fldc/process/OutputStream.h"
+#include "session/Narrator.h"
 
 #include <QString>
 
@@ -35,9 +36,7 @@ private:
     ProgressView m_progress;
 };
 
-/// @p text without the control characters (but line ends) that a file name, a tag or an adapter's
-/// description may hold: a terminal would obey them.
-[[nodiscard]] QString printable(const QString& text);
+using session::printable;
 /// The same for a name in the middle of a text: without line ends too.
 [[nodiscard]] QString oneLine(const QString& name);
 

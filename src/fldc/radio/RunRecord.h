@@ -3,8 +3,8 @@
 #include "fldc/radio/LinkView.h"
 #include "session/Events.h"
 #include "session/Listener.h"
+#include "session/Narrator.h"
 #include "session/RadioState.h"
-#include "session/Rate.h"
 
 #include <QElapsedTimer>
 #include <QHash>
@@ -76,21 +76,23 @@ public:
     [[nodiscard]] std::int64_t wireBytes() const { return m_wireBytes + m_targetBytes; }
 
 private:
+    void tell(const session::Event& event);
+    void showProgress();
+
+    /// Events that nothing is kept of.
+    template <class Event>
+    void on(const Event& /*event*/)
+    {
+    }
     void on(const session::OperationStarted& event);
-    void on(const session::LineOpened& event);
     void on(const session::StepTaken& event);
-    void on(const session::PowerCycleRequired& event);
-    void on(const session::LoggedOn& event);
-    void on(const session::BootApplicationSent& event);
     void on(const session::SpeedAgreed& event);
     void on(const session::ConfigurationsRead& event);
     void on(const session::TargetBegun& event);
     void on(const session::BlocksDone& event);
-    void on(const session::TableBegun& event);
     void on(const session::DataProgress& event);
     void on(const session::TargetWritten& event);
     void on(const session::CommandRepeated& event);
-    void on(const session::UnexpectedBytes& event);
     void on(const session::LinkMeasured& event);
     void on(const session::OperationEnded& event);
 
@@ -111,9 +113,8 @@ private:
     std::vector<WrittenTarget> m_targets;
     LinkSpeeds m_links;
     std::array<std::optional<std::vector<session::Component>>, 3> m_components;
-    session::Rate m_rate;
+    session::Narrator m_narrator;
     QElapsedTimer m_clock;
-    std::optional<qint64> m_lastShown; ///< of the progress, on m_clock
 };
 
 } // namespace fldc::cli

@@ -2,6 +2,7 @@
 
 #include "radio/clsConfiguration.h"
 #include "radio/colConfigurations.h"
+#include "session/Narrator.h"
 #include "shared/DisplayTexts.h"
 
 #include <algorithm>
@@ -15,19 +16,6 @@ constexpr int typeWidth = 1800;
 constexpr int codeWidth = 2800;
 constexpr int statusWidth = 1500;
 constexpr int hardwareWidth = 1500;
-
-struct StatusName {
-    std::int32_t status;
-    Text text;
-};
-
-constexpr std::array statusNames{
-    StatusName{0, Text::Ok},
-    StatusName{1, Text::NoCodeSegments},
-    StatusName{2, Text::ChecksumInvalid},
-    StatusName{3, Text::NoCodeComponent},
-    StatusName{255, Text::CodeNotValidated},
-};
 
 struct HardwareName {
     QStringView code;
@@ -66,7 +54,7 @@ void ConfigurationList::fill(const colConfigurations& configurations, bool blnF1
     m_rows.clear();
     for (const auto& each : items) {
         m_rows.push_back(
-            {{each->ComponentType(), each->ProductID(), StatusText(each->Status()),
+            {{each->ComponentType(), each->ProductID(), session::StatusText(each->Status()),
               ConvertTargetHW(each->HardwareString()), QString::number(each->NetWorkID())},
              each->Status() != 0,
              each->blnCanBeErased() ? RowMark::Erasable : RowMark::None});
@@ -112,12 +100,6 @@ QString ConvertTargetHW(const QString& strHardwareId)
     const auto* found =
         std::ranges::find(hardwareNames, QStringView(strHardwareId).left(4), &HardwareName::code);
     return found == hardwareNames.end() ? QString() : QString::fromUtf16(found->name);
-}
-
-QString StatusText(std::int32_t status)
-{
-    const auto* found = std::ranges::find(statusNames, status, &StatusName::status);
-    return found == statusNames.end() ? QString::number(status) : displayText(found->text);
 }
 
 } // namespace fldc

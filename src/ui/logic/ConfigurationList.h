@@ -50,7 +50,5 @@ private:
 
 /// Display name of a hardware code, by its first four characters; empty for others.
 [[nodiscard]] QString ConvertTargetHW(const QString& strHardwareId);
-/// Text of a configuration's status number.
-[[nodiscard]] QString StatusText(std::int32_t status);
 
 } // namespace fldc
