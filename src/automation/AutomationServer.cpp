@@ -2,12 +2,15 @@
 
 #include "automation/BusNames.h"
 #include "automation/PublishedClasses.h"
+#include "automation/root/Ports.h"
 #include "manager/Operation.h"
 #include "platform/IMessageBox.h"
+#include "platform/IProgramInfo.h"
 
 #include <QCoreApplication>
 #include <QDBusConnectionInterface>
 #include <QDBusError>
+#include <QDBusMessage>
 
 #include <algorithm>
 #include <chrono>
@@ -36,15 +39,26 @@ int failed(const char* what, const QString& why)
     return 1;
 }
 
+Platform withMessages(const Platform& platform, IMessageBox& messages)
+{
+    return {platform.events,         platform.timers,   platform.clock,
+            platform.files,          platform.settings, platform.ports,
+            platform.serialControls, platform.program,  messages};
+}
+
 } // namespace
 
 AutomationServer::AutomationServer(const Platform& platform, IDownloadWindowFactory& windows,
                                    IWaitDialogFactory& dialogs)
-    : m_platform(platform), m_windows(windows), m_dialogs(dialogs),
+    : m_messages(platform.messages, [this] { return userWaits(); }), m_errorBox(m_messages),
+      m_platform(withMessages(platform, m_messages)), m_windows(windows), m_dialogs(dialogs),
       m_connection(QDBusConnection::sessionBus()),
       m_applicationClass(BoundClass::of<AutomationServer>(
           QLatin1StringView("Application"), interfaceName(QLatin1StringView("Application")))),
       m_managerClass(managerClassBinding()), m_classes(supportingClasses()),
+      m_objects(
+          {[this](const QString& path, const PublishedObject& object) { tellCame(path, object); },
+           [this](const QString& path, const PublishedObject& object) { tellGone(path, object); }}),
       m_tree(m_library, *this)
 {
     bindApplication();
@@ -82,6 +96,59 @@ void AutomationServer::bindApplication()
                 [](AutomationServer& server, const Call& call, const QDBusObjectPath& instance) {
                     server.ReleaseInstance(instance.path(), call.client);
                 });
+    registerRootTypes();
+    auto ports = BoundClass::of<AutomationServer>(QLatin1StringView("Ports"),
+                                                  interfaceName(QLatin1StringView("Ports")));
+    ports.method("ListPorts",
+                 [](AutomationServer& server) { return listPorts(server.m_platform.ports); });
+    ports.property("Version", &AutomationServer::version);
+    auto objects = BoundClass::of<AutomationServer>(objectManager, objectManager);
+    objects.method("GetManagedObjects", [](AutomationServer& server, const Call& call) {
+        return server.managedObjects(call);
+    });
+    m_applicationClass.also(std::move(ports)).also(std::move(objects));
+}
+
+QString AutomationServer::version() const
+{
+    const ProgramVersion version = m_platform.program.version();
+    return QStringLiteral("%1.%2.%3").arg(version.major).arg(version.minor).arg(version.revision);
+}
+
+ManagedObjects AutomationServer::managedObjects(const Call& call)
+{
+    ManagedObjects all;
+    const auto insert = [&](const QString& path, const PublishedObject& object) {
+        all.insert(QDBusObjectPath(path), object.bound->values(object.object.get(), call));
+    };
+    if (m_global)
+        insert(classPath(managerClass), globalObject());
+    const auto objects = m_objects.byPath();
+    for (auto object = objects.begin(); object != objects.end(); ++object)
+        insert(object.key(), *object);
+    return all;
+}
+
+void AutomationServer::tellCame(const QString& path, const PublishedObject& object)
+{
+    const InterfaceValues values =
+        object.bound->values(object.object.get(), {*this, object.client});
+    tellOfObject("InterfacesAdded",
+                 {QVariant::fromValue(QDBusObjectPath(path)), QVariant::fromValue(values)});
+}
+
+void AutomationServer::tellGone(const QString& path, const PublishedObject& object) const
+{
+    tellOfObject("InterfacesRemoved",
+                 {QVariant::fromValue(QDBusObjectPath(path)), object.bound->interfaces()});
+}
+
+void AutomationServer::tellOfObject(const char* member, const QVariantList& arguments) const
+{
+    QDBusMessage signal =
+        QDBusMessage::createSignal(rootPath, objectManager, QString::fromLatin1(member));
+    signal.setArguments(arguments);
+    m_connection.send(signal);
 }
 
 int AutomationServer::run()
@@ -147,7 +214,7 @@ PublishedObject AutomationServer::objectFor(const QString& path, const QString& 
     if (path == rootPath)
         return {&m_applicationClass, {std::shared_ptr<void>(), this}, {}};
     if (path == classPath(managerClass))
-        return {&m_managerClass, globalManager(client), {}};
+        return {&m_managerClass, globalManager(client), client};
     if (const PublishedObject* published = m_objects.find(path))
         return *published;
     throw BusError{unknownObject, excerpt(path)};
@@ -208,13 +275,59 @@ void AutomationServer::ReleaseInstance(const QString& path, const QString& clien
 
 std::shared_ptr<ManagerObject> AutomationServer::makeManager(const QString& path)
 {
-    return std::make_shared<ManagerObject>(m_platform, m_windows, m_dialogs, m_connection, path);
+    return std::make_shared<ManagerObject>(m_platform, m_windows, m_dialogs, m_connection, path,
+                                           [this] { return busyText(); });
+}
+
+PublishedObject AutomationServer::globalObject() const
+{
+    return {&m_managerClass, m_global, {}};
+}
+
+ManagerObject* AutomationServer::operatingManager() const
+{
+    std::vector<std::shared_ptr<ManagerObject>> managers = m_leaving;
+    if (m_global)
+        managers.push_back(m_global);
+    for (const PublishedObject& object : m_objects.byPath()) {
+        if (object.bound == &m_managerClass)
+            managers.push_back(std::static_pointer_cast<ManagerObject>(object.object));
+    }
+    const auto found = std::ranges::find_if(
+        managers, [](const auto& manager) { return manager->manager().operates(); });
+    return found == managers.end() ? nullptr : found->get();
+}
+
+QString AutomationServer::busyText() const
+{
+    const ManagerObject* const manager = operatingManager();
+    const QString holder = manager ? manager->holder() : QString();
+    return QStringLiteral("another operation runs, ") +
+           (holder.isEmpty() ? QStringLiteral("of the window's user")
+                             : QString(QStringLiteral("of the client ") + holder));
+}
+
+// Of the call that is served, or of the task that runs. Else it is a user in a window.
+bool AutomationServer::userWaits() const
+{
+    if (!m_calls.empty())
+        return m_calls.back().bound == &m_managerClass &&
+               std::static_pointer_cast<ManagerObject>(m_calls.back().object)->manager().UIMode();
+    const ManagerObject* const manager = operatingManager();
+    return !manager || manager->manager().UIMode();
+}
+
+void AutomationServer::callBegins(const PublishedObject& target)
+{
+    m_calls.push_back(target);
 }
 
 std::shared_ptr<ManagerObject> AutomationServer::globalManager(const QString& client)
 {
-    if (!m_global)
+    if (!m_global) {
         m_global = makeManager(classPath(managerClass));
+        tellCame(classPath(managerClass), globalObject());
+    }
     m_globalClients.insert(client);
     return m_global;
 }
@@ -223,10 +336,12 @@ void AutomationServer::dropUnusedGlobalManager()
 {
     if (!m_globalClients.isEmpty() || !m_global)
         return;
-    if (m_global->windowVisible())
+    if (m_global->windowVisible()) {
         m_globalTimer.start();
-    else
-        leave(std::exchange(m_global, nullptr));
+        return;
+    }
+    tellGone(classPath(managerClass), globalObject());
+    leave(std::exchange(m_global, nullptr));
 }
 
 // -- Life of the objects

@@ -5,7 +5,9 @@
 #include "automation/ObjectTable.h"
 #include "automation/ObjectTree.h"
 #include "automation/TypeLibrary.h"
+#include "automation/root/ClientMessages.h"
 #include "platform/Platform.h"
+#include "platform/ShowError.h"
 
 #include <QDBusConnection>
 #include <QDBusServiceWatcher>
@@ -58,13 +60,24 @@ private:
     [[nodiscard]] const BoundClass* classAt(const QString& path) const override;
     [[nodiscard]] QStringList childrenOf(const QString& path) const override;
     void callServed() override;
+    void callBegins(const PublishedObject& target) override;
+    void callEnds() override { m_calls.pop_back(); }
     void busGone() override;
 
-    // Application
+    // The root object: Application, Ports and the standard ObjectManager
     void bindApplication();
+    [[nodiscard]] QString version() const;
+    [[nodiscard]] ManagedObjects managedObjects(const Call& call);
+    void tellCame(const QString& path, const PublishedObject& object);
+    void tellGone(const QString& path, const PublishedObject& object) const;
+    void tellOfObject(const char* member, const QVariantList& arguments) const;
     [[nodiscard]] QDBusObjectPath CreateInstance(const QString& strClass, const QString& client);
     void ReleaseInstance(const QString& path, const QString& client);
 
+    [[nodiscard]] ManagerObject* operatingManager() const;
+    [[nodiscard]] QString busyText() const;
+    [[nodiscard]] bool userWaits() const;
+    [[nodiscard]] PublishedObject globalObject() const;
     [[nodiscard]] std::shared_ptr<ManagerObject> makeManager(const QString& path);
     [[nodiscard]] std::shared_ptr<ManagerObject> globalManager(const QString& client);
     void dropUnusedGlobalManager();
@@ -77,7 +90,9 @@ private:
     void giveUpName();
     void endUnlessCalled();
 
-    Platform m_platform;
+    ClientMessages m_messages;
+    ErrorBoxScope m_errorBox;
+    Platform m_platform; ///< with m_messages in it
     IDownloadWindowFactory& m_windows;
     IWaitDialogFactory& m_dialogs;
     QDBusConnection m_connection;
@@ -88,6 +103,7 @@ private:
     std::vector<BoundClass> m_classes;
 
     ObjectTable m_objects;
+    std::vector<PublishedObject> m_calls; ///< that are served, the outermost first
     std::shared_ptr<ManagerObject> m_global;
     QSet<QString> m_globalClients;
     QSet<QString> m_watchedClients;

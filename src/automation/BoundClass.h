@@ -7,12 +7,14 @@
 #include <QStringList>
 #include <QVariantList>
 
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <tuple>
 #include <type_traits>
 #include <typeindex>
 #include <utility>
+#include <vector>
 
 namespace fldc {
 
@@ -53,12 +55,52 @@ public:
     [[nodiscard]] const QMap<QString, BoundProperty>& properties() const { return m_properties; }
     /// Interfaces of its signals.
     [[nodiscard]] const QStringList& eventInterfaces() const { return m_eventInterfaces; }
+    [[nodiscard]] const std::vector<BoundClass>& further() const { return m_further; }
+    /// The binding of one of its interfaces with members, "" for the first; nullptr for another.
+    [[nodiscard]] const BoundClass* at(const QString& interface) const
+    {
+        if (interface.isEmpty() || interface == m_interface)
+            return this;
+        const auto found = std::ranges::find(m_further, interface, &BoundClass::m_interface);
+        return found == m_further.end() ? nullptr : &*found;
+    }
+    /// Every interface, those of signals too.
+    [[nodiscard]] QStringList interfaces() const
+    {
+        QStringList all(m_interface);
+        for (const BoundClass& each : m_further)
+            all.append(each.m_interface);
+        return all + m_eventInterfaces;
+    }
+    /// Values of the properties of @p object that can be read, by interface; without those that
+    /// are objects, which reading would hand out.
+    [[nodiscard]] InterfaceValues values(void* object, const Call& call) const
+    {
+        InterfaceValues all;
+        for (const QString& each : interfaces())
+            all.insert(each, {});
+        const auto insert = [&](const BoundClass& bound) {
+            for (auto each = bound.m_properties.begin(); each != bound.m_properties.end(); ++each) {
+                if (each->get && each->type != QLatin1String("o"))
+                    all[bound.m_interface].insert(each.key(), each->get(object, call));
+            }
+        };
+        insert(*this);
+        std::ranges::for_each(m_further, insert);
+        return all;
+    }
     /// Makes an object for a client; empty for a class that clients can't create.
     [[nodiscard]] const std::function<std::shared_ptr<void>()>& create() const { return m_create; }
 
     BoundClass& events(const QString& interface)
     {
         m_eventInterfaces.append(interface);
+        return *this;
+    }
+    /// A further interface of the same objects.
+    BoundClass& also(BoundClass further)
+    {
+        m_further.push_back(std::move(further));
         return *this;
     }
     BoundClass& creatable(std::function<std::shared_ptr<void>()> create)
@@ -212,6 +254,7 @@ private:
     QStringList m_eventInterfaces;
     QMap<QString, BoundMethod> m_methods;
     QMap<QString, BoundProperty> m_properties;
+    std::vector<BoundClass> m_further;
     std::function<std::shared_ptr<void>()> m_create;
 };
 

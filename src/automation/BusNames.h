@@ -9,6 +9,8 @@ namespace fldc {
 inline constexpr QLatin1StringView busName("com.kelvane.RV4100_FLDC_EXE");
 inline constexpr QLatin1StringView rootPath("/com/kelvane/RV4100_FLDC_EXE");
 inline constexpr QLatin1StringView managerClass("clsDLManager");
+inline constexpr QLatin1StringView objectManager("org.freedesktop.DBus.ObjectManager");
+inline constexpr QLatin1StringView propertiesInterface("org.freedesktop.DBus.Properties");
 
 /// Full name of the interface @p name of the type library.
 [[nodiscard]] inline QString interfaceName(QLatin1StringView name)

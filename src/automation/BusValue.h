@@ -8,6 +8,7 @@
 #include <QDBusObjectPath>
 #include <QDBusVariant>
 #include <QList>
+#include <QMap>
 #include <QString>
 #include <QVariant>
 
@@ -55,6 +56,19 @@ struct DefinitionRecord {
     int length = 0;
     QDBusObjectPath datablocks;
 };
+
+/// A serial port as it goes over the bus.
+struct PortRecord {
+    QString name; ///< as SetPort takes it
+    QString device;
+    QString description;
+    QString serialNumber; ///< of the USB adapter
+    bool usable = false;
+};
+
+/// Values of properties by interface, and that by object.
+using InterfaceValues = QMap<QString, QVariantMap>;
+using ManagedObjects = QMap<QDBusObjectPath, InterfaceValues>;
 
 /// How values of type T go over the bus: their type signature and the conversions. fromBus() throws
 /// PlatformFailure: type mismatch, or overflow for a number that T does not hold.
@@ -109,6 +123,26 @@ struct BusType<bool> : PlainBusType<bool> {
 template <>
 struct BusType<QString> : PlainBusType<QString> {
     static constexpr QLatin1StringView signature{"s"};
+};
+
+template <>
+struct BusType<double> : PlainBusType<double> {
+    static constexpr QLatin1StringView signature{"d"};
+};
+
+template <>
+struct BusType<quint32> : PlainBusType<quint32> {
+    static constexpr QLatin1StringView signature{"u"};
+};
+
+template <>
+struct BusType<QList<PortRecord>> : PlainBusType<QList<PortRecord>> {
+    static constexpr QLatin1StringView signature{"a(ssssb)"};
+};
+
+template <>
+struct BusType<ManagedObjects> : PlainBusType<ManagedObjects> {
+    static constexpr QLatin1StringView signature{"a{oa{sa{sv}}}"};
 };
 
 template <>
@@ -181,3 +215,4 @@ struct BusType<DataDefinition> {
 } // namespace fldc
 
 Q_DECLARE_METATYPE(fldc::DefinitionRecord)
+Q_DECLARE_METATYPE(fldc::PortRecord)

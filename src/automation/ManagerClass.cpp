@@ -87,6 +87,28 @@ std::tuple<std::int32_t, QString> getLastError(Manager& manager)
     return {lngErrNum, strErrDescription};
 }
 
+template <class Value>
+void addSessionProperty(BoundClass& bound, const char* name)
+{
+    const auto get = [key = QString::fromLatin1(name)](ManagerObject& object) {
+        return object.session().value(key).value<Value>();
+    };
+    bound.property<ManagerObject, Value>(name, get, nullptr);
+}
+
+BoundClass sessionBinding()
+{
+    auto bound =
+        BoundClass::of<ManagerObject>(managerClass, interfaceName(QLatin1StringView("Session")));
+    for (const char* text : {"Operation", "State", "LastResultText", "Advice", "Holder"})
+        addSessionProperty<QString>(bound, text);
+    for (const char* number : {"Percentage", "BytesPerSecond", "SecondsLeft"})
+        addSessionProperty<double>(bound, number);
+    addSessionProperty<quint32>(bound, "LineSpeed");
+    addSessionProperty<std::int32_t>(bound, "LastResult");
+    return bound;
+}
+
 } // namespace
 
 BoundClass managerClassBinding()
@@ -97,6 +119,7 @@ BoundClass managerClassBinding()
     const auto radioType = [](ManagerObject& object) { return object.manager().RadioType(); };
     const auto setRadioType = [](ManagerObject& object, enmRadioType type) {
         object.manager().setRadioType(type);
+        object.tellChanges();
     };
     const auto asyncTaskBusy = [](ManagerObject& object) {
         return object.manager().AsyncTaskBusy();
@@ -108,6 +131,7 @@ BoundClass managerClassBinding()
     return BoundClass::of<ManagerObject>(managerClass,
                                          interfaceName(QLatin1StringView("_clsDLManager")))
         .events(interfaceName(QLatin1StringView("__clsDLManager")))
+        .also(sessionBinding())
         .method("ReportConfigurations", exclusive(std::function(reportConfigurations)))
         .method("EraseSelected", exclusive(std::function(eraseSelected)))
         .method("DownLoad", exclusive(std::function(downLoad)))

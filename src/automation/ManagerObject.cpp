@@ -26,20 +26,27 @@ bool ManagerObject::Windows::latestVisible() const
 
 ManagerObject::ManagerObject(const Platform& platform, IDownloadWindowFactory& windows,
                              IWaitDialogFactory& dialogs, const QDBusConnection& connection,
-                             const QString& path)
+                             const QString& path, std::function<QString()> busyText)
     : m_messages(platform.messages), m_windows(windows, platform.program),
-      m_manager(platform, m_windows, dialogs)
+      m_manager(platform, m_windows, dialogs), m_busyText(std::move(busyText)),
+      m_send([connection, path](const QString& interface, const char* member,
+                                const QVariantList& arguments) {
+          QDBusMessage signal =
+              QDBusMessage::createSignal(path, interface, QString::fromLatin1(member));
+          signal.setArguments(arguments);
+          connection.send(signal);
+      }),
+      m_told(watchedProperties())
 {
-    sendEvents(connection, path);
+    sendEvents();
+    m_session = std::make_unique<SessionInterface>(
+        m_manager, SessionInterface::Surroundings{m_send, [this] { return holder(); }});
 }
 
-void ManagerObject::sendEvents(const QDBusConnection& connection, const QString& path)
+void ManagerObject::sendEvents()
 {
-    const auto send = [connection, path](const char* event, const QVariantList& arguments) {
-        QDBusMessage signal = QDBusMessage::createSignal(
-            path, interfaceName(QLatin1StringView("__clsDLManager")), QString::fromLatin1(event));
-        signal.setArguments(arguments);
-        connection.send(signal);
+    const auto send = [this](const char* event, const QVariantList& arguments) {
+        m_send(interfaceName(QLatin1StringView("__clsDLManager")), event, arguments);
     };
     QObject::connect(
         &m_manager, &clsDLManager::DownloadProgressUpdate, &m_manager,
@@ -52,19 +59,48 @@ void ManagerObject::sendEvents(const QDBusConnection& connection, const QString&
                      });
     QObject::connect(&m_manager, &clsDLManager::PowerCycleRequired, &m_manager,
                      [send] { send("PowerCycleRequired", {}); });
+    QObject::connect(&m_manager, &clsDLManager::AsyncTaskBusyChanged, &m_manager,
+                     [this] { tellChanges(); });
+}
+
+QString ManagerObject::holder() const
+{
+    if (!m_manager.operates())
+        return {};
+    if (!m_callingClient.isEmpty())
+        return m_callingClient;
+    return m_manager.AsyncTaskRuns() ? m_taskClient : QString();
+}
+
+QVariantMap ManagerObject::watchedProperties() const
+{
+    return {{QStringLiteral("AsyncTaskBusy"), m_manager.AsyncTaskBusy()},
+            {QStringLiteral("RadioType"), static_cast<int>(m_manager.RadioType())},
+            {QStringLiteral("StayConnected"), m_manager.StayConnected()}};
+}
+
+void ManagerObject::tellChanges()
+{
+    QVariantMap changed = watchedProperties();
+    const QVariantMap before = std::exchange(m_told, changed);
+    changed.removeIf([&](const auto& each) { return before.value(each.key()) == each.value(); });
+    if (m_session && !changed.isEmpty())
+        m_send(propertiesInterface, "PropertiesChanged",
+               {interfaceName(QLatin1StringView("_clsDLManager")), changed, QStringList()});
 }
 
 ManagerObject::ExclusiveCall::ExclusiveCall(ManagerObject& object, const QString& client)
     : m_object(object)
 {
     if (operationRuns())
-        throw BusError{busyError, QStringLiteral("another operation runs")};
+        throw BusError{busyError, m_object.m_busyText()};
     m_clientBefore = std::exchange(m_object.m_callingClient, client);
 }
 
 ManagerObject::ExclusiveCall::~ExclusiveCall()
 {
     m_object.m_callingClient = m_clientBefore;
+    m_object.tellChanges();
 }
 
 bool ManagerObject::startTask(enmAsyncTaskID task, const QString& input, const QString& client)
@@ -85,6 +121,7 @@ void ManagerObject::endWorkOf(const QString& client)
 void ManagerObject::abandon()
 {
     QObject::disconnect(&m_manager, nullptr, nullptr, nullptr);
+    m_session.reset();
     if (!windowVisible() || m_manager.AsyncTaskBusy() || !m_callingClient.isEmpty())
         endWork();
 }

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "automation/SessionInterface.h"
 #include "manager/IDownloadWindow.h"
 #include "manager/clsDLManager.h"
 
 #include <QDBusConnection>
 #include <QString>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -15,11 +17,19 @@ namespace fldc {
 /// asked for what, so that an operation ends when nobody waits for it any more.
 class ManagerObject {
 public:
+    /// @p busyText: why a call is refused while an operation runs.
     ManagerObject(const Platform& platform, IDownloadWindowFactory& windows,
                   IWaitDialogFactory& dialogs, const QDBusConnection& connection,
-                  const QString& path);
+                  const QString& path, std::function<QString()> busyText);
 
     [[nodiscard]] clsDLManager& manager() { return m_manager; }
+    [[nodiscard]] const clsDLManager& manager() const { return m_manager; }
+    [[nodiscard]] const SessionInterface& session() const { return *m_session; }
+    /// Unique name of the client whose operation runs; empty when none does, or one that a user
+    /// started in the window.
+    [[nodiscard]] QString holder() const;
+    /// Sends PropertiesChanged for what has changed of the published properties.
+    void tellChanges();
     /// A window on the screen keeps its manager, whether or not a client still holds it.
     [[nodiscard]] bool windowVisible() const { return m_windows.latestVisible(); }
 
@@ -66,11 +76,19 @@ private:
         std::weak_ptr<IDownloadWindow> m_latest;
     };
 
-    void sendEvents(const QDBusConnection& connection, const QString& path);
+    using Send =
+        std::function<void(const QString& interface, const char* member, const QVariantList&)>;
+
+    void sendEvents();
+    [[nodiscard]] QVariantMap watchedProperties() const;
 
     IMessageBox& m_messages;
     Windows m_windows;
     clsDLManager m_manager;
+    std::function<QString()> m_busyText;
+    Send m_send;
+    QVariantMap m_told; ///< the properties' values that clients know
+    std::unique_ptr<SessionInterface> m_session;
     QString m_callingClient; ///< of the exclusive call that runs; empty when none does
     QString m_taskClient;    ///< of the task accepted last
 };

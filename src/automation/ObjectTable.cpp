@@ -8,8 +8,10 @@ QString ObjectTable::publish(const BoundClass& bound, const std::shared_ptr<void
                              const QString& client)
 {
     const auto known = m_paths.constFind({client, object.get()});
-    if (known != m_paths.constEnd())
+    if (known != m_paths.constEnd()) {
+        ++m_objects[*known].references;
         return *known;
+    }
     return publishNew(bound, client, [&](const QString&) { return object; });
 }
 
@@ -31,13 +33,18 @@ QSet<QString> ObjectTable::children(const QString& path) const
 
 std::optional<PublishedObject> ObjectTable::release(const QString& path)
 {
-    const auto found = m_objects.constFind(path);
-    if (found == m_objects.constEnd())
+    const auto found = m_objects.find(path);
+    if (found == m_objects.end() || --found->references > 0)
         return std::nullopt;
-    PublishedObject released = *found;
-    m_paths.remove({released.client, released.object.get()});
-    m_objects.erase(found);
-    return released;
+    return remove(path);
+}
+
+PublishedObject ObjectTable::remove(const QString& path)
+{
+    const PublishedObject removed = m_objects.take(path);
+    m_paths.remove({removed.client, removed.object.get()});
+    m_listener.gone(path, removed);
+    return removed;
 }
 
 std::vector<PublishedObject> ObjectTable::releaseAll(const QString& client)
@@ -46,7 +53,7 @@ std::vector<PublishedObject> ObjectTable::releaseAll(const QString& client)
     const QStringList paths = m_objects.keys();
     for (const QString& path : paths) {
         if (m_objects.value(path).client == client)
-            released.push_back(*release(path));
+            released.push_back(remove(path));
     }
     return released;
 }
@@ -60,6 +67,7 @@ void ObjectTable::insert(const QString& path, const PublishedObject& object)
 {
     m_objects.insert(path, object);
     m_paths.insert({object.client, object.object.get()}, path);
+    m_listener.came(path, object);
 }
 
 } // namespace fldc

@@ -10,7 +10,6 @@ namespace fldc {
 namespace {
 
 constexpr QLatin1StringView introspectable("org.freedesktop.DBus.Introspectable");
-constexpr QLatin1StringView properties("org.freedesktop.DBus.Properties");
 
 void expectSignature(const QDBusMessage& message, const QString& signature)
 {
@@ -20,6 +19,21 @@ void expectSignature(const QDBusMessage& message, const QString& signature)
                                              signature + QStringLiteral("\", not \"") +
                                              excerpt(message.signature()) + u'"'};
 }
+
+/// For the life of a call.
+class ServedCall {
+public:
+    ServedCall(IObjectSource& source, const PublishedObject& target) : m_source(source)
+    {
+        m_source.callBegins(target);
+    }
+    ~ServedCall() { m_source.callEnds(); }
+    ServedCall(const ServedCall&) = delete;
+    ServedCall& operator=(const ServedCall&) = delete;
+
+private:
+    IObjectSource& m_source;
+};
 
 QString failureText(const PlatformFailure& failure)
 {
@@ -62,12 +76,10 @@ QVariantList ObjectTree::answer(const QDBusMessage& message)
             throw BusError{unknownMethod, excerpt(message.member())};
         expectSignature(message, {});
         const BoundClass* bound = m_source.classAt(message.path());
-        QStringList interfaces;
-        if (bound)
-            interfaces = QStringList(bound->interface()) + bound->eventInterfaces();
-        return {m_library.describe(interfaces, m_source.childrenOf(message.path()))};
+        return {m_library.describe(bound ? bound->interfaces() : QStringList(),
+                                   m_source.childrenOf(message.path()))};
     }
-    if (message.interface() == properties)
+    if (message.interface() == propertiesInterface)
         return accessProperty(message);
     return callMethod(message);
 }
@@ -86,10 +98,12 @@ QVariantList ObjectTree::accessProperty(const QDBusMessage& message)
     const PublishedObject target = m_source.objectFor(message.path(), message.service());
     const Call call{m_source, message.service()};
     const bool isEvents = target.bound->eventInterfaces().contains(interface);
-    if (!isEvents && interface != target.bound->interface() && !interface.isEmpty())
+    const BoundClass* const bound = isEvents ? target.bound : target.bound->at(interface);
+    if (!bound)
         throw BusError{unknownInterface, excerpt(interface)};
 
-    const auto& offered = target.bound->properties();
+    const ServedCall served(m_source, target);
+    const auto& offered = bound->properties();
     if (getsAll) {
         QVariantMap values;
         for (auto property = offered.begin(); !isEvents && property != offered.end(); ++property) {
@@ -118,12 +132,14 @@ QVariantList ObjectTree::accessProperty(const QDBusMessage& message)
 QVariantList ObjectTree::callMethod(const QDBusMessage& message)
 {
     const PublishedObject target = m_source.objectFor(message.path(), message.service());
-    if (!message.interface().isEmpty() && message.interface() != target.bound->interface())
+    const BoundClass* const bound = target.bound->at(message.interface());
+    if (!bound)
         throw BusError{unknownInterface, excerpt(message.interface())};
-    const auto method = target.bound->methods().constFind(message.member());
-    if (method == target.bound->methods().constEnd())
+    const auto method = bound->methods().constFind(message.member());
+    if (method == bound->methods().constEnd())
         throw BusError{unknownMethod, excerpt(message.member())};
     expectSignature(message, method->in);
+    const ServedCall served(m_source, target);
     return method->invoke(target.object.get(), {m_source, message.service()}, message.arguments());
 }
 

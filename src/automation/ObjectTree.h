@@ -20,6 +20,9 @@ public:
     [[nodiscard]] virtual const BoundClass* classAt(const QString& path) const = 0;
     /// Names of what lies directly below a path.
     [[nodiscard]] virtual QStringList childrenOf(const QString& path) const = 0;
+    /// Around each call of an object; calls begin and end inside each other.
+    virtual void callBegins(const PublishedObject& target) = 0;
+    virtual void callEnds() = 0;
     /// After each call, whatever its outcome.
     virtual void callServed() = 0;
     /// The bus itself has ended.

@@ -7,6 +7,8 @@
 #include <QXmlStreamReader>
 #include <QXmlStreamWriter>
 
+#include <utility>
+
 // Outside the namespace, as the macro demands: the resources of a static library are not registered
 // by themselves.
 static void registerResources()
@@ -30,18 +32,26 @@ const QString standardInterfaces = QStringLiteral(
 <method name="GetMachineId"><arg name="machine_uuid" type="s" direction="out"/></method>
 </interface>
 )");
-const QString propertiesInterface = QStringLiteral(
+const QString propertiesElement = QStringLiteral(
     R"(<interface name="org.freedesktop.DBus.Properties">
 <method name="Get"><arg name="interface_name" type="s" direction="in"/><arg name="property_name" type="s" direction="in"/><arg name="value" type="v" direction="out"/></method>
 <method name="GetAll"><arg name="interface_name" type="s" direction="in"/><arg name="values" type="a{sv}" direction="out"/></method>
 <method name="Set"><arg name="interface_name" type="s" direction="in"/><arg name="property_name" type="s" direction="in"/><arg name="value" type="v" direction="in"/></method>
+<signal name="PropertiesChanged"><arg name="interface_name" type="s"/><arg name="changed_properties" type="a{sv}"/><arg name="invalidated_properties" type="as"/></signal>
 </interface>
 )");
 
-// The element that begins at the reader's position, comments left out; @p visit sees each element
-// in it.
+void writeComment(QXmlStreamWriter& writer, const QString& comment)
+{
+    writer.writeEmptyElement(QStringLiteral("annotation"));
+    writer.writeAttribute(QStringLiteral("name"), QStringLiteral("org.freedesktop.DBus.DocString"));
+    writer.writeAttribute(QStringLiteral("value"), comment.simplified());
+}
+
+// The element that begins at the reader's position; @p visit sees each element in it. A comment
+// before an element, and @p comment before this one, becomes an annotation in it.
 template <class Visit>
-QString copyElement(QXmlStreamReader& reader, const Visit& visit)
+QString copyElement(QXmlStreamReader& reader, QString comment, const Visit& visit)
 {
     QString copy;
     QXmlStreamWriter writer(&copy);
@@ -51,19 +61,23 @@ QString copyElement(QXmlStreamReader& reader, const Visit& visit)
             ++depth;
             visit(reader.name(), reader.attributes());
         }
-        if (!reader.isComment())
+        if (reader.isComment())
+            comment = reader.text().toString();
+        else
             writer.writeCurrentToken(reader);
+        if (reader.isStartElement() && !comment.isEmpty())
+            writeComment(writer, std::exchange(comment, {}));
         if (reader.isEndElement())
             --depth;
     } while (depth > 0 && !reader.hasError() && (reader.readNext(), true));
     return copy;
 }
 
-PublishedInterface readInterface(QXmlStreamReader& reader)
+PublishedInterface readInterface(QXmlStreamReader& reader, const QString& comment)
 {
     PublishedInterface interface;
     QString member;
-    interface.xml = copyElement(reader, [&](QStringView element, const auto& attributes) {
+    interface.xml = copyElement(reader, comment, [&](QStringView element, const auto& attributes) {
         const auto attribute = [&](const char* name) {
             return attributes.value(QLatin1String(name)).toString();
         };
@@ -94,12 +108,16 @@ TypeLibrary::TypeLibrary()
     QFile file(resourcePath);
     QXmlStreamReader reader(&file);
     if (file.open(QIODevice::ReadOnly)) {
+        QString comment;
         while (!reader.atEnd()) {
-            if (reader.readNext() != QXmlStreamReader::StartElement ||
+            const auto token = reader.readNext();
+            if (token == QXmlStreamReader::Comment)
+                comment = reader.text().toString();
+            if (token != QXmlStreamReader::StartElement ||
                 reader.name() != QLatin1String("interface"))
                 continue;
             const QString name = reader.attributes().value(QLatin1String("name")).toString();
-            m_interfaces.insert(name, readInterface(reader));
+            m_interfaces.insert(name, readInterface(reader, std::exchange(comment, {})));
         }
     }
     if (!file.isOpen() || reader.hasError())
@@ -129,6 +147,8 @@ void TypeLibrary::verify(const BoundClass& bound) const
     if (!published || published->methods != methods || published->properties != properties)
         throw PlatformFailure(FailureNumber::Internal,
                               bound.interface() + QStringLiteral(" is not served as published"));
+    for (const BoundClass& further : bound.further())
+        verify(further);
 }
 
 QString TypeLibrary::describe(const QStringList& interfaces, const QStringList& children) const
@@ -139,7 +159,7 @@ QString TypeLibrary::describe(const QStringList& interfaces, const QStringList& 
                        "\">\n<node>\n");
     document += standardInterfaces;
     if (!interfaces.isEmpty())
-        document += propertiesInterface;
+        document += propertiesElement;
     for (const QString& interface : interfaces) {
         if (const PublishedInterface* published = find(interface))
             document += published->xml + QStringLiteral("\n");

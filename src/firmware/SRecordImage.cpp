@@ -29,6 +29,11 @@ constexpr std::int32_t addressPlus(std::int32_t address, std::int32_t units)
                                      static_cast<std::uint32_t>(units));
 }
 
+QString givenUpText()
+{
+    return u"the reading was given up"_s;
+}
+
 } // namespace
 
 const DataRecordType* dataRecordType(QByteArrayView type)
@@ -38,8 +43,8 @@ const DataRecordType* dataRecordType(QByteArrayView type)
 }
 
 SRecordImage::SRecordImage(std::shared_ptr<clsFile> file, const DataRecordType& type,
-                           Compression compression)
-    : m_file(std::move(file)), m_type(type), m_compression(compression),
+                           Compression compression, const Pace& pace)
+    : m_file(std::move(file)), m_type(type), m_compression(compression), m_pace(pace),
       m_unitBytes(m_file->intNumberOfBits() / 8), m_padsOddAddress(m_file->padsOddAddresses())
 {
 }
@@ -56,17 +61,23 @@ bool SRecordImage::read(TextLines& lines)
             return reject(line.type().isEmpty() ? u"an empty line inside the data"_s
                                                 : u"a line of type %1 inside the data"_s.arg(
                                                       QString::fromLatin1(line.type())));
-        if (!addLine(line))
+        if (!keepsPace() || !addLine(line))
             return false;
         // Records of the usual form, which is nearly all of them, need no look at their line.
         while (m_record.decode(lines.rest(), type) && isComplete(m_record)) {
             lines.take(m_record.length());
-            if (!addDecoded(m_record))
+            if (!keepsPace() || !addDecoded(m_record))
                 return false;
         }
         if (!lines.next())
             return reject(u"the file ends inside the data of an image"_s);
     }
+}
+
+bool SRecordImage::keepsPace()
+{
+    constexpr std::uint32_t recordsBetween = 1024;
+    return ++m_recordsRead % recordsBetween != 0 || goesOn(m_pace) || reject(givenUpText());
 }
 
 bool SRecordImage::addLine(const SRecordLine& line)
@@ -168,8 +179,8 @@ bool SRecordImage::finishData()
     if (m_compression == Compression::None)
         m_data->FinishUncompressed();
     else
-        m_data->CompressData(m_compression);
-    return true;
+        m_data->CompressData(m_compression, m_pace);
+    return goesOn(m_pace) || reject(givenUpText());
 }
 
 bool SRecordImage::finish()

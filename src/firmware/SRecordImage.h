@@ -1,6 +1,7 @@
 #pragma once
 
 #include "firmware/DecodedRecord.h"
+#include "firmware/Pace.h"
 #include "firmware/SRecordLine.h"
 #include "firmware/clsFile.h"
 
@@ -29,8 +30,9 @@ struct DataRecordType {
 /// its own data, wherever a record's address does not continue the one before.
 class SRecordImage {
 public:
-    SRecordImage(std::shared_ptr<clsFile> file, const DataRecordType& type,
-                 Compression compression);
+    /// @p pace must outlive the object.
+    SRecordImage(std::shared_ptr<clsFile> file, const DataRecordType& type, Compression compression,
+                 const Pace& pace);
 
     /// Reads from the present line of @p lines, a data record, up to the terminator record, which
     /// becomes the present line. False when the data are not valid: reason() says why. May also
@@ -39,6 +41,7 @@ public:
     [[nodiscard]] const QString& reason() const { return m_reason; }
 
 private:
+    [[nodiscard]] bool keepsPace();
     [[nodiscard]] bool addLine(const SRecordLine& line);
     [[nodiscard]] bool addText(const QString& digits);
     [[nodiscard]] bool addDecoded(DecodedRecord& record);
@@ -54,6 +57,8 @@ private:
     std::shared_ptr<clsFile> m_file;
     const DataRecordType& m_type;
     Compression m_compression;
+    const Pace& m_pace;
+    std::uint32_t m_recordsRead = 0;
     int m_unitBytes;
     bool m_padsOddAddress;
 

@@ -26,8 +26,9 @@ struct SRecordReader::LineKind {
 };
 
 SRecordReader::SRecordReader(IFileService& files, std::shared_ptr<colFiles> images,
-                             Compression compression)
-    : m_files(files), m_images(std::move(images)), m_compression(compression)
+                             Compression compression, Pace pace)
+    : m_files(files), m_images(std::move(images)), m_compression(compression),
+      m_pace(std::move(pace))
 {
 }
 
@@ -153,7 +154,7 @@ bool SRecordReader::readData(TextLines& lines)
     image->setStrFileType(QString::fromLatin1(type.type));
     image->setStrFileTerminator(QString::fromLatin1(type.terminator));
 
-    SRecordImage data(image, type, m_compression);
+    SRecordImage data(image, type, m_compression, m_pace);
     if (!data.read(lines))
         return reject(data.reason());
     if (!image->TagName().startsWith("JVA"_L1))

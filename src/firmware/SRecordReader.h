@@ -39,9 +39,10 @@ struct NotValid {
 /// an image's data.
 class SRecordReader {
 public:
-    /// Images read are added to @p images. @p files must outlive the object.
+    /// Images read are added to @p images. @p files must outlive the object. @p pace is called
+    /// while a file is read; to give up makes the file not valid.
     SRecordReader(IFileService& files, std::shared_ptr<colFiles> images,
-                  Compression compression = Compression::Zlib);
+                  Compression compression = Compression::Zlib, Pace pace = {});
 
     /// Reads the file: the first image is added under @p path, each further one under the name of
     /// the one before with "1" appended; a name that an image of another file has gets a number
@@ -72,6 +73,7 @@ private:
     IFileService& m_files;
     std::shared_ptr<colFiles> m_images;
     Compression m_compression;
+    Pace m_pace;
 
     QString m_path;
     QString m_imageName;

@@ -40,14 +40,32 @@ std::uint8_t byteOf(QStringView digits)
 // The streams have a destination no larger than the data: what does not get smaller is not worth
 // sending, and the stream is then empty.
 
-QByteArray standardStream(const QByteArray& data)
+// Bytes compressed between two looks at the pace: some milliseconds.
+constexpr qsizetype sliceSize = 64 * 1024;
+
+// Streams the data through deflate with the parameters of compress(), whose bytes come out however
+// the data are sliced.
+QByteArray standardStream(const QByteArray& data, const Pace& pace)
 {
     QByteArray packed(data.size(), Qt::Uninitialized);
-    auto size = static_cast<uLongf>(packed.size());
-    const int result =
-        compress(reinterpret_cast<Bytef*>(packed.data()), &size,
-                 reinterpret_cast<const Bytef*>(data.constData()), static_cast<uLong>(data.size()));
-    packed.truncate(result == Z_OK ? static_cast<qsizetype>(size) : 0);
+    z_stream stream{};
+    if (deflateInit(&stream, Z_DEFAULT_COMPRESSION) != Z_OK)
+        return {};
+    const std::unique_ptr<z_stream, int (*)(z_stream*)> end(&stream, deflateEnd);
+    stream.next_out = reinterpret_cast<Bytef*>(packed.data());
+    stream.avail_out = static_cast<uInt>(packed.size());
+    int result = Z_OK;
+    for (qsizetype at = 0; result == Z_OK && at < data.size(); at += sliceSize) {
+        if (at != 0 && !goesOn(pace))
+            return {};
+        const qsizetype size = std::min(sliceSize, data.size() - at);
+        stream.next_in = reinterpret_cast<z_const Bytef*>(const_cast<char*>(data.constData())) + at;
+        stream.avail_in = static_cast<uInt>(size);
+        result = deflate(&stream, at + size == data.size() ? Z_FINISH : Z_NO_FLUSH);
+        if (stream.avail_in != 0)
+            break; // no room for what does not get smaller
+    }
+    packed.truncate(result == Z_STREAM_END ? static_cast<qsizetype>(stream.total_out) : 0);
     return packed;
 }
 
@@ -127,10 +145,10 @@ std::span<const std::uint8_t> colDataBlocks::bytes() const
             static_cast<std::size_t>(m_data.size())};
 }
 
-void colDataBlocks::CompressData(Compression compression)
+void colDataBlocks::CompressData(Compression compression, const Pace& pace)
 {
     trim();
-    const QByteArray standard = standardStream(m_data);
+    const QByteArray standard = standardStream(m_data, pace);
     const QByteArray best = compression == Compression::Best ? bestStream(m_data) : QByteArray();
     const bool bestIsShorter =
         !best.isEmpty() && (standard.isEmpty() || best.size() < standard.size());

@@ -36,6 +36,8 @@ public:
     /// port numbers, other text with their texts. Throws PlatformFailure (invalid argument) when a
     /// number is looked for among entries that name no port.
     [[nodiscard]] virtual bool PortExists(const QString& strPort) const = 0;
+    /// Reads the port list again. The chosen entry stays; the manager is not called.
+    virtual void RefreshPorts() = 0;
     /// Selects the first entry that matches by the same rule; none: no change.
     virtual void SetPortCombo(const QString& strPort) = 0;
 

@@ -112,6 +112,22 @@ void clsDLManager::endOperations()
     cancelOperation();
 }
 
+bool clsDLManager::operates() const
+{
+    return operationRunsFor(*m_cancellation);
+}
+
+std::int32_t clsDLManager::fileNumber(const QString& imageName) const
+{
+    if (!m_files)
+        return 0;
+    const auto images = m_files->items();
+    const auto image = std::ranges::find(images, imageName, &clsFile::Name);
+    return image == images.end()
+               ? 0
+               : static_cast<std::int32_t>(m_loadedPaths.indexOf((*image)->SourcePath()) + 1);
+}
+
 UpgradeState clsDLManager::upgradeState() const
 {
     return m_Protocol->upgradeState();

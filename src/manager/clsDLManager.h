@@ -1,6 +1,7 @@
 #pragma once
 
 #include "firmware/Compression.h"
+#include "firmware/Pace.h"
 #include "platform/Platform.h"
 #include "protocol/IProtocolEvents.h"
 #include "protocol/UpgradeState.h"
@@ -162,6 +163,15 @@ public:
     /// True when the last download went through but some of its files were written nowhere, also
     /// when the restart behind it failed. FormatMessage(37) names them.
     [[nodiscard]] bool filesLeftOver() const { return m_filesLeftOver; }
+    /// Whether the operation that runs on the thread is one of this manager's.
+    [[nodiscard]] bool operates() const;
+    /// Whether a task has started and not ended.
+    [[nodiscard]] bool AsyncTaskRuns() const { return m_asyncBusy && m_AsyncTaskTimer == 0; }
+    /// What SetPort and SetUIMode said last: whether a user is to be shown what happens.
+    [[nodiscard]] bool UIMode() const { return m_uiMode; }
+    /// Number of the file, from 1 in the order of the last load's list, that the image with that
+    /// name was read from; 0 for none.
+    [[nodiscard]] std::int32_t fileNumber(const QString& imageName) const;
 
 Q_SIGNALS:
     /// Emitted while the operation still runs; a handler must return for it to go on.
@@ -172,6 +182,13 @@ Q_SIGNALS:
     void PowerCycleRequired();
     /// For the component only: a file of a list was left out or rejected; the last error says why.
     void FileNotLoaded(const QString& path);
+    /// For the component only: AsyncTaskBusy has another value.
+    void AsyncTaskBusyChanged();
+    /// For the component only: a load runs; listeners hear of the other operations.
+    void LoadBegun();
+    /// For the component only: the last that happens to an operation, loads included. An
+    /// erasure's own failure, not that of reading again.
+    void OperationCompleted(int code, const QString& message);
 
 private:
     struct Session;
@@ -185,7 +202,8 @@ private:
     void trap(Trap kind, const std::function<void()>& steps);
     [[nodiscard]] std::int16_t takeResult() const;
     void tellConfigurations(session::Reading when, const clsRadio& radio) const;
-    void tellEnded(const LastError& outcome) const;
+    void tellEnded(const LastError& outcome);
+    void complete();
     void closeSession(Session& session, const QString& statusText);
     static void showOutcome(Session& session, const QString& statusText);
     static void closeLogs(Session& session);
@@ -210,12 +228,15 @@ private:
     // Loading (clsDLManager_load.cpp)
     std::int16_t loadPaths(const QStringList& paths, bool rememberFirst);
     void loadSteps(Session& session, const QStringList& paths, bool rememberFirst);
-    void readFile(const QString& path, const std::shared_ptr<colFiles>& files) const;
+    void readFile(const QString& path, const std::shared_ptr<colFiles>& files,
+                  const Pace& pace = {}) const;
+    [[nodiscard]] Pace servingPace() const;
 
     // Port and window (clsDLManager_port.cpp)
     std::int16_t runOnLine(session::Operation kind, const std::function<void(Session&)>& steps);
     void linkTestSteps(Session& session, std::int32_t rounds);
     void choosePort(const QString& strPort, bool blnUI);
+    [[nodiscard]] static bool findPort(IDownloadWindow& window, const QString& strPort);
     void showWindow(bool blnUI);
     void ensureWindow();
     void closeConnection();
@@ -225,6 +246,7 @@ private:
     // Tasks (clsDLManager_tasks.cpp)
     void RunAsyncTask();
     void EndAsyncTask(enmAsyncTaskID task, QString text);
+    void noTask();
     void stopTaskTimer();
 
     // IProtocolEvents
@@ -242,9 +264,11 @@ private:
     std::shared_ptr<IDownloadWindow> m_window;
     std::shared_ptr<clsRadio> m_radio;
     std::shared_ptr<colFiles> m_files;
+    QStringList m_loadedPaths;       ///< the list of the last load
     Code m_loadCode = Code::Success; ///< of the last load
     bool m_filesLeftOver = false;    ///< by the last download
     std::optional<Compression> m_compression;
+    session::OperationEnded m_ended; ///< how the operation ended that is about to complete
     std::shared_ptr<IPort> m_port;
     bool m_uiMode = false;
     bool m_speedChosen = false;

@@ -100,6 +100,7 @@ std::int16_t clsDLManager::DownLoad(QString& strFilesToReport)
         tellEnded(outcome);
     }
     EndAsyncTask(eDownload, strFilesToReport);
+    complete();
     return result;
 }
 

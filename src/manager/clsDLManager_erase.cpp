@@ -54,20 +54,24 @@ bool allHaveMemoryIds(const colConfigurations& configurations, const QStringList
 
 std::int16_t clsDLManager::EraseSelected(const QString& FilesToErase, QString& strFilesToReport)
 {
-    const OperationScope operation;
-    if (!operation.granted())
-        return refusedResult;
+    std::int16_t result = 0;
+    {
+        const OperationScope operation;
+        if (!operation.granted())
+            return refusedResult;
 
-    Session session = beginSession();
-    m_teller->tell(session::OperationStarted{session::Operation::Erase});
-    trap(Trap::KeepCode, [&] { eraseSteps(session, FilesToErase); });
-    (void)takeResult();
-    const LastError erasure = lastError();
-    trap(Trap::KeepCode, [&] { rereadAfterErasure(session, strFilesToReport); });
-    const std::int16_t result = takeResult();
-    closeSession(session, eraseOutcome(erasure));
-    m_files.reset();
-    tellEnded(erasure.ok() ? lastError() : erasure);
+        Session session = beginSession();
+        m_teller->tell(session::OperationStarted{session::Operation::Erase});
+        trap(Trap::KeepCode, [&] { eraseSteps(session, FilesToErase); });
+        (void)takeResult();
+        const LastError erasure = lastError();
+        trap(Trap::KeepCode, [&] { rereadAfterErasure(session, strFilesToReport); });
+        result = takeResult();
+        closeSession(session, eraseOutcome(erasure));
+        m_files.reset();
+        tellEnded(erasure.ok() ? lastError() : erasure);
+    }
+    complete();
     return result;
 }
 

@@ -7,7 +7,10 @@
 #include "firmware/SRecordReader.h"
 #include "firmware/clsFile.h"
 #include "firmware/colFiles.h"
+#include "platform/IClock.h"
+#include "platform/IEvents.h"
 #include "platform/IFileService.h"
+#include "port/Cancellation.h"
 #include "shared/DisplayTexts.h"
 
 namespace fldc {
@@ -29,17 +32,23 @@ void clsDLManager::LoadFilesByPath(const QString& strFilePaths, const QString& s
 
 std::int16_t clsDLManager::loadPaths(const QStringList& paths, bool rememberFirst)
 {
-    const OperationScope operation;
-    if (!operation.granted())
-        return refusedResult;
+    std::int16_t result = 0;
+    {
+        const OperationScope operation;
+        if (!operation.granted())
+            return refusedResult;
 
-    Session session = beginSession();
-    trap(Trap::ReplaceCode, [&] { loadSteps(session, paths, rememberFirst); });
-    const std::int16_t result = takeResult();
-    m_loadCode = lastError().code();
-    showOutcome(session, statusLine(displayText(Text::Ready)));
-    closeLogs(session);
+        Session session = beginSession();
+        Q_EMIT LoadBegun();
+        trap(Trap::ReplaceCode, [&] { loadSteps(session, paths, rememberFirst); });
+        result = takeResult();
+        m_loadCode = lastError().code();
+        showOutcome(session, statusLine(displayText(Text::Ready)));
+        closeLogs(session);
+        m_ended = {result, lastError().description()};
+    }
     EndAsyncTask(eLoadFiles, {});
+    complete();
     return result;
 }
 
@@ -50,16 +59,24 @@ void clsDLManager::loadSteps(Session& session, const QStringList& paths, bool re
     session.openDownloadLog();
     const auto files = std::make_shared<colFiles>();
     m_files = files;
+    m_loadedPaths = paths;
+    const Pace pace = servingPace();
     if (rememberFirst)
         WriteSetting(m_platform.settings, lastFileSetting, paths.value(0));
     for (const QString& path : paths) {
         session.window().setStatusPanelStatus(displayText(Text::ValidatingFile));
         if (m_platform.files.exists(path))
-            readFile(path, files);
+            readFile(path, files, pace);
         else
             lastError().set(Code::FileDoesNotExist);
         if (!lastError().ok())
             Q_EMIT FileNotLoaded(path);
+        // What was read before can't stand for the whole list.
+        if (m_cancellation->requested()) {
+            files->setHasRejected();
+            lastError().set(Code::UserCancelled);
+            return;
+        }
     }
     if (lastError().ok())
         OrderFilesForDownload(*files);
@@ -67,22 +84,44 @@ void clsDLManager::loadSteps(Session& session, const QStringList& paths, bool re
 
 void clsDLManager::ValidFile(const QString& strFileName)
 {
-    const OperationScope operation;
-    if (!operation.granted())
-        return;
-    claimOperation(m_cancellation);
-    if (!m_files)
-        throw PlatformFailure(FailureNumber::ObjectNotSet);
-    readFile(strFileName, m_files);
+    {
+        const OperationScope operation;
+        if (!operation.granted())
+            return;
+        if (!m_files)
+            throw PlatformFailure(FailureNumber::ObjectNotSet);
+        m_cancellation->reset();
+        claimOperation(m_cancellation);
+        Q_EMIT LoadBegun();
+        m_loadedPaths.append(strFileName);
+        readFile(strFileName, m_files, servingPace());
+        m_ended = {takeResult(), lastError().description()};
+    }
+    complete();
+}
+
+// Serves events every few milliseconds. What the served calls do to the last error is not seen.
+Pace clsDLManager::servingPace() const
+{
+    constexpr std::chrono::milliseconds interval{10};
+    return [this, interval, last = m_platform.clock.monotonic()]() mutable {
+        if (m_platform.clock.monotonic() - last >= interval) {
+            const LastErrorKeeper loadsOwn;
+            m_platform.events.processPending();
+            last = m_platform.clock.monotonic();
+        }
+        return !m_cancellation->requested();
+    };
 }
 
 // Adds the images of one file. What makes a file not valid stands in the log, with its line.
-void clsDLManager::readFile(const QString& path, const std::shared_ptr<colFiles>& files) const
+void clsDLManager::readFile(const QString& path, const std::shared_ptr<colFiles>& files,
+                            const Pace& pace) const
 {
     const bool best = ReadSetting(m_platform.settings, compressionSetting, {}) == settingBest;
     const Compression compression =
         m_compression.value_or(best ? Compression::Best : Compression::Zlib);
-    if (const auto notValid = SRecordReader(m_platform.files, files, compression).read(path))
+    if (const auto notValid = SRecordReader(m_platform.files, files, compression, pace).read(path))
         logDownload(path + QStringLiteral(": ") + notValid->text());
 }
 

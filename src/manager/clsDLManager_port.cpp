@@ -58,7 +58,7 @@ void clsDLManager::choosePort(const QString& strPort, bool blnUI)
     m_uiMode = blnUI;
     showWindow(blnUI);
 
-    if (window->PortExists(strPort)) {
+    if (findPort(*window, strPort)) {
         const auto control = window->comSerialPort();
         m_port.reset(); // what is listed without a number ("no ports") is no port
         const std::int32_t number = PortNumber(strPort);
@@ -71,6 +71,20 @@ void clsDLManager::choosePort(const QString& strPort, bool blnUI)
         lastError().set(Code::PortDoesNotExist);
     }
     window->SetPortCombo(strPort);
+}
+
+// A port that the list shows as unavailable, or that came after the list was read, may be there
+// now.
+bool clsDLManager::findPort(IDownloadWindow& window, const QString& strPort)
+{
+    try {
+        if (window.PortExists(strPort))
+            return true;
+    } catch (const PlatformFailure&) {
+        // The list has no port at all.
+    }
+    window.RefreshPorts();
+    return window.PortExists(strPort);
 }
 
 std::int16_t clsDLManager::SetUIMode(bool blnUIMode)
@@ -178,14 +192,19 @@ void clsDLManager::setAccessLevel(enmAccessLevel level)
 
 std::int32_t clsDLManager::ResetRadio()
 {
-    const OperationScope operation;
-    if (!operation.granted())
-        return refusedResult;
-    const Session session = beginSession();
-    m_teller->tell(session::OperationStarted{session::Operation::Restart});
-    trap(Trap::KeepCode, [&] { session.protocol->RestartRadio(session.window(), session.port()); });
-    const std::int16_t result = takeResult();
-    tellEnded(lastError());
+    std::int16_t result = 0;
+    {
+        const OperationScope operation;
+        if (!operation.granted())
+            return refusedResult;
+        const Session session = beginSession();
+        m_teller->tell(session::OperationStarted{session::Operation::Restart});
+        trap(Trap::KeepCode,
+             [&] { session.protocol->RestartRadio(session.window(), session.port()); });
+        result = takeResult();
+        tellEnded(lastError());
+    }
+    complete();
     return result;
 }
 
@@ -221,19 +240,23 @@ void clsDLManager::linkTestSteps(Session& session, std::int32_t rounds)
 std::int16_t clsDLManager::runOnLine(session::Operation kind,
                                      const std::function<void(Session&)>& steps)
 {
-    const OperationScope operation;
-    if (!operation.granted())
-        return refusedResult;
-    Session session = beginSession();
-    m_teller->tell(session::OperationStarted{kind});
-    trap(Trap::KeepCode, [&] {
-        session.openLogs();
-        if (session.openLine())
-            steps(session);
-    });
-    const std::int16_t result = takeResult();
-    closeSession(session, statusLine(displayText(Text::Ready)));
-    tellEnded(lastError());
+    std::int16_t result = 0;
+    {
+        const OperationScope operation;
+        if (!operation.granted())
+            return refusedResult;
+        Session session = beginSession();
+        m_teller->tell(session::OperationStarted{kind});
+        trap(Trap::KeepCode, [&] {
+            session.openLogs();
+            if (session.openLine())
+                steps(session);
+        });
+        result = takeResult();
+        closeSession(session, statusLine(displayText(Text::Ready)));
+        tellEnded(lastError());
+    }
+    complete();
     return result;
 }
 

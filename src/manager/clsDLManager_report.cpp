@@ -24,6 +24,7 @@ std::int16_t clsDLManager::ReportConfigurations(QString& strFiles)
         tellEnded(lastError());
     }
     EndAsyncTask(eReportConfigurations, strFiles);
+    complete();
     return result;
 }
 

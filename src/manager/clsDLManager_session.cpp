@@ -130,13 +130,19 @@ void clsDLManager::tellConfigurations(session::Reading when, const clsRadio& rad
     m_teller->tell(std::move(read));
 }
 
-void clsDLManager::tellEnded(const LastError& outcome) const
+void clsDLManager::tellEnded(const LastError& outcome)
 {
-    if (!m_teller->heard())
-        return;
     const bool hasMessage = messageOf(outcome.number()).has_value();
-    m_teller->tell(
-        session::OperationEnded{outcome.number(), hasMessage ? outcome.description() : QString()});
+    m_ended = {outcome.number(), hasMessage ? outcome.description() : QString()};
+    m_teller->tell(session::OperationEnded(m_ended));
+}
+
+// Behind everything else of an operation, with the thread free. A copy: a handler may start the
+// next one.
+void clsDLManager::complete()
+{
+    const session::OperationEnded ended = m_ended;
+    Q_EMIT OperationCompleted(ended.code, ended.text);
 }
 
 // Shows the outcome, then closes what the operation opened, unless the connection is kept.

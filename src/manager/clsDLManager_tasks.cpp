@@ -3,13 +3,17 @@
 #include "manager/Operation.h"
 #include "platform/ITimers.h"
 
-#include <array>
+#include <utility>
+#include <vector>
 
 namespace fldc {
 
 using namespace std::chrono_literals;
 
 namespace {
+
+// Managers of the thread with a task that has not started, in the order of acceptance.
+thread_local std::vector<const clsDLManager*> waiting;
 
 // From the acceptance of a task to its start: long enough for the call to have returned.
 constexpr auto taskDelay = 20ms;
@@ -28,13 +32,15 @@ bool clsDLManager::AsyncTaskProcess(enmAsyncTaskID eAsyncTaskID, const QString& 
     m_asyncTask = eAsyncTaskID;
     m_asyncInput = strInput;
     m_asyncBusy = true;
+    waiting.push_back(this);
+    Q_EMIT AsyncTaskBusyChanged();
     return true;
 }
 
 void clsDLManager::RunAsyncTask()
 {
-    // Another manager's operation has the thread: the timer ticks again.
-    if (operationRuns())
+    // Another manager's operation has the thread, or its task is next: the timer ticks again.
+    if (operationRuns() || waiting.front() != this)
         return;
     stopTaskTimer();
     switch (m_asyncTask) {
@@ -57,10 +63,8 @@ void clsDLManager::RunAsyncTask()
 // may start the next task, which replaces the input it came from.
 void clsDLManager::EndAsyncTask(enmAsyncTaskID task, QString text)
 {
-    if (m_AsyncTaskTimer == 0) {
-        m_asyncBusy = false;
-        m_asyncTask = eNone;
-    }
+    if (m_AsyncTaskTimer == 0)
+        noTask();
     if (task == eDownload || task == eReportConfigurations)
         Q_EMIT ReportConfigurationsUpdate(text);
 }
@@ -70,12 +74,19 @@ void clsDLManager::withdrawTask()
     if (m_AsyncTaskTimer == 0)
         return;
     stopTaskTimer();
-    m_asyncBusy = false;
+    noTask();
+}
+
+void clsDLManager::noTask()
+{
     m_asyncTask = eNone;
+    if (std::exchange(m_asyncBusy, false))
+        Q_EMIT AsyncTaskBusyChanged();
 }
 
 void clsDLManager::stopTaskTimer()
 {
+    std::erase(waiting, this);
     m_platform.timers.stop(m_AsyncTaskTimer);
     m_AsyncTaskTimer = 0;
 }

@@ -166,8 +166,8 @@ struct LinkMeasured {
 };
 
 struct OperationEnded {
-    std::int32_t code; ///< result of the operation, 0 = success
-    QString text;      ///< its message
+    std::int32_t code = 0; ///< result of the operation, 0 = success
+    QString text;          ///< its message
 };
 
 using Event = std::variant<StepTaken, OperationStarted, LineOpened, PowerCycleRequired, LoggedOn,

@@ -109,11 +109,12 @@ std::optional<Telling> Narrator::on(const SpeedAgreed& event)
 
 std::optional<Telling> Narrator::on(const ConfigurationsRead& event)
 {
-    QVariantList components;
+    QList<QVariantMap> components;
     for (const Component& each : event.components)
         components.append(fieldsOf(each));
     return Telling{"configuration"_L1,
-                   {{u"when"_s, nameOf(event.when).toString()}, {u"components"_s, components}}};
+                   {{u"when"_s, nameOf(event.when).toString()},
+                    {u"components"_s, QVariant::fromValue(components)}}};
 }
 
 std::optional<Telling> Narrator::on(const TargetBegun& event)
@@ -133,11 +134,12 @@ std::optional<Telling> Narrator::on(const TargetBegun& event)
 
 std::optional<Telling> Narrator::on(const BlocksDone& event)
 {
-    QVariantList blocks;
+    QList<qint64> blocks;
     for (const std::uint16_t block : event.blocks)
-        blocks.append(number(block));
+        blocks.append(block);
     return Telling{"blocks"_L1,
-                   {{u"action"_s, nameOf(event.action).toString()}, {u"blocks"_s, blocks}}};
+                   {{u"action"_s, nameOf(event.action).toString()},
+                    {u"blocks"_s, QVariant::fromValue(blocks)}}};
 }
 
 std::optional<Telling> Narrator::on(const TableBegun& event)

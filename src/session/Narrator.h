@@ -16,8 +16,8 @@ namespace fldc::session {
 /// What programs are told of an event: the one mapping of events to keys and values, for lines of
 /// JSON as for signals of the bus.
 ///
-/// Values are text, whole numbers (qint64), other numbers (double), truth values, QVariantMap,
-/// QVariantList of one of these, or nullptr for what is not known.
+/// Values are text, whole numbers (qint64), other numbers (double), truth values, QList<qint64>,
+/// QList<QVariantMap>, or nullptr for what is not known.
 struct Telling {
     QLatin1StringView kind;
     QVariantMap fields;

@@ -59,13 +59,17 @@ int insertFields(QJsonObject& object, const ObjectKind& kind, Fields fields)
 // @p kindName: of the object that has the field @p key.
 QJsonValue toJson(const QVariant& value, const QString& kindName, const QString& key)
 {
-    if (value.typeId() == QMetaType::QVariantMap)
-        return makeObject(kindNamed(QString(kindName + u'.' + key)), value.toMap());
-    if (value.typeId() != QMetaType::QVariantList)
-        return QJsonValue::fromVariant(value);
     QJsonArray array;
-    for (const QVariant& each : value.toList())
-        array.append(toJson(each, kindName, key));
+    if (value.metaType() == QMetaType::fromType<QList<QVariantMap>>()) {
+        const ObjectKind& kind = kindNamed(QString(kindName + u'.' + key));
+        for (const QVariantMap& part : value.value<QList<QVariantMap>>())
+            array.append(makeObject(kind, part));
+    } else if (value.metaType() == QMetaType::fromType<QList<qint64>>()) {
+        for (const qint64 each : value.value<QList<qint64>>())
+            array.append(each);
+    } else {
+        return QJsonValue::fromVariant(value);
+    }
     return array;
 }
 

@@ -67,8 +67,7 @@ void DownloadWindow::load()
     if (m_loaded)
         return;
     m_loaded = true;
-    if (GetSerialPorts(m_platform.ports, m_ports) == 0)
-        m_ports = QStringList(QStringLiteral("No available COM ports"));
+    readPorts();
     selectPort(0);
     m_caption = captionText(m_platform.program.version(), logState().enabled);
     setStatusPanelTag(displayText(Text::Status));
@@ -172,6 +171,19 @@ bool DownloadWindow::PortExists(const QString& strPort) const
     return std::ranges::any_of(m_ports, [&](const QString& entry) {
         return isNumber ? QString::number(PortNumber(entry)) == strPort : entry == strPort;
     });
+}
+
+void DownloadWindow::readPorts()
+{
+    if (GetSerialPorts(m_platform.ports, m_ports) == 0)
+        m_ports = QStringList(QStringLiteral("No available COM ports"));
+}
+
+void DownloadWindow::RefreshPorts()
+{
+    readPorts();
+    m_portIndex = static_cast<int>(m_ports.indexOf(m_portText));
+    changed(WindowPart::Ports);
 }
 
 void DownloadWindow::SetPortCombo(const QString& strPort)

@@ -144,6 +144,7 @@ public:
     void unload() override;
     void setUIDisplay(bool blnUI) override { m_uiDisplay = blnUI; }
     [[nodiscard]] bool PortExists(const QString& strPort) const override;
+    void RefreshPorts() override;
     void SetPortCombo(const QString& strPort) override;
     [[nodiscard]] std::int32_t baudRateCount() const override;
     [[nodiscard]] QString baudRateEntry(std::int32_t index) const override;
@@ -157,6 +158,7 @@ public:
 
 private:
     void changed(WindowPart part);
+    void readPorts();
 
     const Platform& m_platform;
     ViewFactory m_makeView;
