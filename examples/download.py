@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Downloads firmware through the automation interface and follows it by its events.
+"""Downloads firmware through the automation interface and follows it by its events to their end.
 
     download.py PORT FILE...        for example: download.py COM1: radio.srec dsp.srec
 
@@ -16,6 +16,7 @@ from gi.repository import GLib
 
 NAME = "com.kelvane.RV4100_FLDC_EXE"
 E_DOWNLOAD = 1  # enmAsyncTaskID
+E_FILES_LEFT_OUT = 37
 
 
 def main(port, files):
@@ -38,31 +39,34 @@ def main(port, files):
 
     loop = GLib.MainLoop()
     reports = []
+    outcomes = []
 
     def on_progress(percentage, file_name, index):
         print(f"{index}: {file_name} {percentage} %", flush=True)
 
-    def on_report(report):
-        reports.append(report)
+    def on_completed(*outcome):
+        outcomes.append(outcome)
         loop.quit()
 
     manager.connect_to_signal("DownloadProgressUpdate", on_progress, dbus_interface=NAME + ".__clsDLManager")
-    manager.connect_to_signal("ReportConfigurationsUpdate", on_report, dbus_interface=NAME + ".__clsDLManager")
+    manager.connect_to_signal("ReportConfigurationsUpdate", reports.append, dbus_interface=NAME + ".__clsDLManager")
     manager.connect_to_signal("PowerCycleRequired", lambda: print("Power-cycle the radio.", flush=True),
                               dbus_interface=NAME + ".__clsDLManager")
+    # The last that happens to an operation. Its code is this manager's own; GetLastError is shared.
+    manager.connect_to_signal("Completed", on_completed, dbus_interface=NAME + ".Session")
     if not manager.AsyncTaskProcess(E_DOWNLOAD, ""):
         sys.exit("The manager is busy.")
     loop.run()
 
-    assert not properties.Get(NAME + "._clsDLManager", "AsyncTaskBusy")
-    check(manager.GetLastError()[0])
+    [(code, message, state)] = outcomes
+    if code not in (0, E_FILES_LEFT_OUT):
+        print(properties.Get(NAME + ".Session", "Advice"), file=sys.stderr)
+        sys.exit(f"Error {code}: {message} (the radio is {state})")
     for configuration in reports[0].split("\t"):
         product, status, network = configuration.split("|")
         print(f"{product:20} status {status}, network {network}")
-    # Files that suit no component of the radio: the rest of the message names them.
-    left_out = manager.FormatMessage(37).split("\r\n")[1:-1]
-    if left_out:
-        sys.exit(f"Not downloaded: {', '.join(left_out)}")
+    if code == E_FILES_LEFT_OUT:  # the rest of the message names those that suit no component
+        sys.exit(f"Not downloaded: {', '.join(message.splitlines()[1:])}")
     application.ReleaseInstance(path)
 
 

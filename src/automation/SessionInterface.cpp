@@ -118,9 +118,10 @@ void SessionInterface::showTransfer()
 void SessionInterface::complete(int code, const QString& message)
 {
     // What failed before it touched a radio says nothing of the radio's state.
-    const bool failedLoad = code != 0 && value(u"Operation"_s) == u"load"_s;
+    const bool isLoad = value(u"Operation"_s) == u"load"_s;
     const session::State state = stateOf(m_radio);
-    const session::StateText& text = textOf(failedLoad ? session::State::Untouched : state);
+    const session::StateText& text =
+        textOf(isLoad && code != 0 ? session::State::Untouched : state);
     const session::Transfer& transfer = m_narrator.transfer();
     if (transfer.total > 0 && value(u"Operation"_s) == u"download"_s)
         set("Percentage", transfer.percent());
@@ -130,7 +131,8 @@ void SessionInterface::complete(int code, const QString& message)
     set("SecondsLeft", -1.0);
     set("LastResult", code);
     set("LastResultText", message);
-    set("Advice", text.advice.toString());
+    if (!isLoad || code != 0)
+        set("Advice", text.advice.toString());
     tellChanges();
     m_surroundings.send(sessionInterface, "Completed",
                         {code, message, textOf(state).name.toString()});

@@ -6,6 +6,7 @@ Called with the paths of the simulator, the sources and the in-process example, 
 
 import os
 import pathlib
+import re
 import signal
 import subprocess
 import sys
@@ -68,6 +69,14 @@ class Client:
         self.bus.add_signal_receiver(
             lambda *values, **which: self.events.append((which["member"], *values, which["path"])),
             dbus_interface=NAME + ".__clsDLManager", member_keyword="member", path_keyword="path")
+        self.busy_ended = []  # managers, in the order in which their tasks ended
+        self.bus.add_signal_receiver(
+            lambda _, values, __, path: values.get("AsyncTaskBusy", True) or self.busy_ended.append(path),
+            "PropertiesChanged", path_keyword="path")
+        self.told = []  # what the session interfaces tell, and which properties have changed
+        for interface in (NAME + ".Session", dbus.PROPERTIES_IFACE, NAME + ".__clsDLManager"):
+            self.bus.add_signal_receiver(lambda *values, **which: self.told.append((which["member"], *values)),
+                                         dbus_interface=interface, member_keyword="member")
 
     def create(self, name="clsDLManager"):
         return self.object(self.call(ROOT, NAME + ".Application", "CreateInstance", "s", name), name)
@@ -214,6 +223,8 @@ class Automation(unittest.TestCase):
         for name in ("_colDefTables", "_clsDefinitionTable"):  # nothing hands them to a client
             served[f"{NAME}.{name}"] = published[f"{NAME}.{name}"]
         self.assertEqual(served, published)
+        self.assertEqual(self.client.object(GLOBAL).introspect().find(
+            ".//method[@name='ResetRadio']/annotation").get("value"), "Restarts the radio on the open port.")
         self.assertEqual(served[NAME + ".Application"], ["CreateInstance s>o", "ReleaseInstance o>"])
         self.assertEqual(served[NAME + "._clsDLManager"], MANAGER)
         self.assertEqual(served[NAME + ".__clsDLManager"], EVENTS)
@@ -240,13 +251,33 @@ class Automation(unittest.TestCase):
         self.assertEqual(steps, sorted(set(steps)))
         self.assertEqual([step for step in steps if step[1] == 100], [(1, 100), (2, 100)])
         self.assertEqual(manager.GetLastError(), (0, "Success"))
+        self.assertTrue(wait_for(lambda: self.client.told[-1][0] == "Completed"))
+        told = [one for one in self.client.told if one[0] != "DownloadProgressUpdate"]
+        session = self.client.object(manager.path)
+        session.interface = NAME + ".Session"
+        self.assertEqual(told[-4][1:3], (NAME + "._clsDLManager", {"AsyncTaskBusy": False}))
+        self.assertEqual([told[-3][0], told[-2][2]["Holder"], told[-1]],
+                         ["ReportConfigurationsUpdate", "", ("Completed", 0, "Success", "restarted")])
+        kinds = [one[1]["type"] for one in told if one[0] == "Event" and one[1]["type"] != "progress"]
+        target = ["target", "blocks", "blocks", "table", "blocks"]
+        self.assertEqual(kinds, ["radio", "boot-application", "speed", "configuration", *target[:3], "table",
+                                 *target[3:], *target, "configuration", "restarted"])
+        values = session.property("GetAll", "s")
+        self.assertEqual([values[key] for key in ("State", "Percentage", "SecondsLeft", "Operation", "LastResult")],
+                         ["restarted", 100.0, -1.0, "", 0])
+        changes = [one[2] for one in told if one[0] == "PropertiesChanged"]
+        self.assertIn({"Operation": "download", "Holder": self.client.bus.get_unique_name()}, changes)
         # Nothing was run a second time; the other manager sent nothing.
         self.assertFalse(wait_for(lambda: len(manager.events()) > len(progress) + 1, 0.5))
         self.assertEqual(other.events(), [])
         self.end_and_check_log()
 
     def test_texts_by_reference_and_reports(self):
+        early = self.client.create()
+        self.assertEqual(early.SetPort("sb", "COM1:", False), 11)
         self.radio(1)
+        self.assertEqual(early.SetPort("sb", "COM1:", False), 0, "plugged in after the list was read")
+        self.client.release(early.path)
         manager = self.manager(self.client)
         code, report = manager.ReportConfigurations("s", "")
         self.assertEqual((code, report.split("\t")[0]), (0, "RVKC4-02|0|0"))
@@ -310,6 +341,8 @@ class Automation(unittest.TestCase):
         self.assertEqual([blocks.FindBlock("i", address) for address in (0x1000, 0x17FF, 0x1800, -1)], [7, 7, 8, -1])
         self.assertEqual([blocks.Item("v", "BOOT"), blocks.Item("v", 2), blocks.NewEnum()], [*paths, paths])
         self.client.object(paths[0], "clsFlashBlock").set("ID", -9)
+        self.client.release(paths[0])  # handed out three times: added, found, enumerated
+        self.assertEqual(self.client.object(paths[0], "clsFlashBlock").get("ID"), -9)
         blocks.Remove("v", 2)
         self.assertEqual([blocks.get("Count"), blocks.FindBlock("i", 0x1000)], [1, -9])
         # Another radio's list in place of its own; a list of another class is refused.
@@ -330,6 +363,7 @@ class Automation(unittest.TestCase):
                                    ("DownLoad", "s", ""), ("ResetRadio",), ("LoadFilesEx", "ss", FILES[0], ","),
                                    ("SetPort", "sb", "COM1:", False), ("SetUIMode", "b", False)):
             self.assert_error(BUSY, getattr(two, member), *arguments)
+        self.assertIn(self.client.bus.get_unique_name(), self.assert_error(BUSY, two.ResetRadio))
         self.assert_error(BUSY, two.set, "StayConnected", True)
         self.assert_error(BUSY, two.set, "AccessLevel", 10)
         self.assert_error(BUSY, one.ReportConfigurations, "s", "")
@@ -340,6 +374,32 @@ class Automation(unittest.TestCase):
         self.assertEqual(outcome[0], 0)
         self.assertIn("JHA2F-2.03|0|0", outcome[1])
         self.assertIn("JHA2F-2.03|0|0", two.events("ReportConfigurationsUpdate")[0][0])
+
+    def test_a_load_serves_others_and_tasks_keep_their_order(self):
+        record = bytes.fromhex("00" * 32)
+        lines = [b"DW 8", b"S0090000544147312E3000"]
+        for number in range(150_000):
+            data = number.to_bytes(4, "big") + os.urandom(4) + record[:24]
+            lines.append(b"S224%06X%s00" % (32 * number, data.hex().upper().encode()))
+        large = self.folder / "large.srec"
+        large.write_bytes(b"\n".join([*lines, b"S804000000FB", b""]))
+        loading, others = self.client.create(), [self.client.create() for _ in range(4)]
+        outcome = loading.start("LoadFilesByPath", "ss", str(large), "|")
+        answers = 0
+        tasks = []
+        while not outcome and answers < 8:
+            others[0].get("RadioType")
+            answers += 1
+            if loading.client.told and not tasks:
+                self.assert_error(BUSY, others[0].SetPort, "sb", "1", False)
+                self.assert_error(BUSY, others[0].LoadFiles, "s", "x")
+                tasks = [others[at] for at in (2, 0, 3, 1)]
+                self.assertTrue(all(one.AsyncTaskProcess("is", LOAD, "nothing") for one in tasks))
+            GLib.MainContext.default().iteration(False)
+        self.assertEqual(answers, 8, "the load held others")
+        self.assertTrue(wait_for(lambda: sum(one[0] == "Completed" for one in self.client.told) == 5, 60))
+        starts = [path for path in self.client.busy_ended if path != loading.path]
+        self.assertEqual(starts, [one.path for one in tasks])
 
     def test_a_client_killed_in_its_download(self):
         self.radio(1, "--pace")
@@ -438,6 +498,18 @@ class Automation(unittest.TestCase):
         third.release(GLOBAL)
         self.assertTrue(wait_for(lambda: not self.running(), 20))
         self.assertEqual(self.unattended.wait(20), 0, "nobody called")
+
+    def test_the_page(self):
+        self.radio(1)
+        page = (SOURCES / "docs/automation.md").read_text()
+        environment = {**os.environ, "FIRMWARE": " ".join(FILES)}
+        blocks = re.findall(r"^```(sh|python)\n(.*?)^```", page, re.S | re.M)
+        self.assertGreater(len(blocks), 2)
+        for language, text in blocks:
+            with self.subTest(text):
+                command = ["bash", "-euc", text] if language == "sh" else ["/usr/bin/python3", "-c", text]
+                run = subprocess.run(command, capture_output=True, text=True, timeout=60, env=environment)
+                self.assertEqual(run.returncode, 0, run.stdout + run.stderr)
 
     def test_the_examples(self):
         for command in ([SOURCES / "examples/download.py", "COM1:"], [SOURCES / "examples/download.sh", "COM1:"],

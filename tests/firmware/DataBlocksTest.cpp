@@ -5,6 +5,7 @@
 #include <random>
 
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 using namespace Qt::StringLiterals;
 
@@ -49,6 +50,27 @@ TEST(DataBlocks, CompressWhatGetsSmallerAndPadBothToEven)
     EXPECT_EQ(failureNumber([&] { return inflated(incompressible); }), 9);
 }
 
+QByteArray packed(colDataBlocks& blocks)
+{
+    QByteArray all;
+    std::int32_t length = blocks.CompressedCount();
+    if (length > 0 && !blocks.GetNextChunk(length, true, all))
+        ADD_FAILURE() << "no compressed bytes";
+    blocks.setReadPosition(0);
+    return all;
+}
+
+// As in one call of zlib, which has no room for what does not get smaller; padded.
+QByteArray compressedAtOnce(const QByteArray& plain)
+{
+    QByteArray all(plain.size() + 1, '\0');
+    auto size = static_cast<uLongf>(plain.size());
+    const int result = compress(reinterpret_cast<Bytef*>(all.data()), &size,
+                                reinterpret_cast<const Bytef*>(plain.constData()),
+                                static_cast<uLong>(plain.size()));
+    return result == Z_OK ? all.left(static_cast<qsizetype>(size + size % 2)) : QByteArray();
+}
+
 // Best is an ordinary stream of the same bytes, never longer than the standard one; where neither
 // is shorter than the data there is none.
 TEST(DataBlocks, BestCompressionLosesNothing)
@@ -63,10 +85,16 @@ TEST(DataBlocks, BestCompressionLosesNothing)
         code += static_cast<char>(random() % 40);
     }
     const std::vector<std::pair<QByteArray, bool>> cases{
-        {code, true},           {noise, false},
-        {code.left(1), false},  {QByteArray("ABCDEF"), false},
-        {code.left(501), true}, {QByteArray(100'000, '\0'), true},
-        {noise + noise, false}, {noise.left(20'000) + noise.left(20'000), true}};
+        {code, true},
+        {noise, false},
+        {code.left(1), false},
+        {QByteArray("ABCDEF"), false},
+        {code.left(501), true},
+        {QByteArray(100'000, '\0'), true},
+        {noise + noise, false},
+        {noise.left(20'000) + noise.left(20'000), true},
+        {QByteArray(code + noise).repeated(9), true},
+        {code.repeated(16).left(0x200001), true}};
     bool everShorter = false;
     for (const auto& [plain, smaller] : cases) {
         colDataBlocks blocks[2];
@@ -77,6 +105,7 @@ TEST(DataBlocks, BestCompressionLosesNothing)
         }
         const auto [standard, best] =
             std::pair(blocks[0].CompressedCount(), blocks[1].CompressedCount());
+        EXPECT_EQ(packed(blocks[0]), compressedAtOnce(plain)) << plain.size();
         EXPECT_EQ(best != -1, smaller) << plain.size();
         EXPECT_EQ(smaller ? inflated(blocks[1]) : plain, plain);
         EXPECT_TRUE(best <= standard || standard == -1) << plain.size();
