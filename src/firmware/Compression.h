@@ -1,5 +1,7 @@
 #pragma once
 
+#include <functional>
+
 namespace fldc {
 
 /// How the copies are made that a radio is sent compressed.
@@ -8,5 +10,15 @@ enum class Compression {
     Best, ///< likewise, 2 to 5 % shorter and slower to make: the shorter of zlib's and libdeflate's
     None, ///< the radio will be sent the plain bytes
 };
+
+/// Called every few milliseconds by what takes long on the one thread, so that others are served
+/// meanwhile; false asks to give up. Once false, it stays so. May throw nothing.
+using Pace = std::function<bool()>;
+
+/// Whether to go on; nobody's pace is never to give up.
+[[nodiscard]] inline bool goesOn(const Pace& pace)
+{
+    return !pace || pace();
+}
 
 } // namespace fldc

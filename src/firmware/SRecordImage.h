@@ -1,7 +1,7 @@
 #pragma once
 
+#include "firmware/Compression.h"
 #include "firmware/DecodedRecord.h"
-#include "firmware/Pace.h"
 #include "firmware/SRecordLine.h"
 #include "firmware/clsFile.h"
 

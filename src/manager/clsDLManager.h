@@ -1,7 +1,6 @@
 #pragma once
 
 #include "firmware/Compression.h"
-#include "firmware/Pace.h"
 #include "platform/Platform.h"
 #include "protocol/IProtocolEvents.h"
 #include "protocol/UpgradeState.h"
