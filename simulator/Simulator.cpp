@@ -29,8 +29,8 @@ Time after(Time start, double seconds)
 Simulator::Simulator(const Options& options)
     : m_options(options), m_log(options.log), m_faults(options.faults), m_memory(*options.profile),
       m_line(m_terminal, options.pace, m_log),
-      m_radio(*options.profile, m_faults, m_memory, m_line, m_log),
-      m_link(options.link, m_terminal.path()), m_signals(takeOverSignals())
+      m_radio(*options.profile, m_faults, m_memory, m_line, m_log), m_signals(takeOverSignals()),
+      m_link(options.link, m_terminal.path())
 {
     if (!options.flashIn.empty())
         loadFlash(options.flashIn, m_memory);

@@ -40,8 +40,8 @@ private:
     PseudoTerminal m_terminal;
     Line m_line;
     Radio m_radio;
+    int m_signals; // before the link, which tells others that the radio is there
     Link m_link;
-    int m_signals;
     bool m_ended = false;
     std::optional<Time> m_end;
     std::optional<Time> m_powerCycleAt;

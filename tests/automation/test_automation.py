@@ -375,32 +375,6 @@ class Automation(unittest.TestCase):
         self.assertIn("JHA2F-2.03|0|0", outcome[1])
         self.assertIn("JHA2F-2.03|0|0", two.events("ReportConfigurationsUpdate")[0][0])
 
-    def test_a_load_serves_others_and_tasks_keep_their_order(self):
-        record = bytes.fromhex("00" * 32)
-        lines = [b"DW 8", b"S0090000544147312E3000"]
-        for number in range(150_000):
-            data = number.to_bytes(4, "big") + os.urandom(4) + record[:24]
-            lines.append(b"S224%06X%s00" % (32 * number, data.hex().upper().encode()))
-        large = self.folder / "large.srec"
-        large.write_bytes(b"\n".join([*lines, b"S804000000FB", b""]))
-        loading, others = self.client.create(), [self.client.create() for _ in range(4)]
-        outcome = loading.start("LoadFilesByPath", "ss", str(large), "|")
-        answers = 0
-        tasks = []
-        while not outcome and answers < 8:
-            others[0].get("RadioType")
-            answers += 1
-            if loading.client.told and not tasks:
-                self.assert_error(BUSY, others[0].SetPort, "sb", "1", False)
-                self.assert_error(BUSY, others[0].LoadFiles, "s", "x")
-                tasks = [others[at] for at in (2, 0, 3, 1)]
-                self.assertTrue(all(one.AsyncTaskProcess("is", LOAD, "nothing") for one in tasks))
-            GLib.MainContext.default().iteration(False)
-        self.assertEqual(answers, 8, "the load held others")
-        self.assertTrue(wait_for(lambda: sum(one[0] == "Completed" for one in self.client.told) == 5, 60))
-        starts = [path for path in self.client.busy_ended if path != loading.path]
-        self.assertEqual(starts, [one.path for one in tasks])
-
     def test_a_client_killed_in_its_download(self):
         self.radio(1, "--pace")
         self.radio(2)
