@@ -41,7 +41,7 @@ std::uint8_t byteOf(QStringView digits)
 // sending, and the stream is then empty.
 
 // Bytes compressed between two looks at the pace: some milliseconds.
-constexpr qsizetype sliceSize = 64 * 1024;
+constexpr qsizetype sliceSize = qsizetype{64} * 1024;
 
 // Streams the data through deflate with the parameters of compress(), whose bytes come out however
 // the data are sliced.
