@@ -16,20 +16,9 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// Of the events' keys, as in the lines of JSON.
+constexpr qint64 schema = 1;
 const QString sessionInterface = interfaceName("Session"_L1);
-
-// The bus has no value for "not known": such a key is left out.
-QVariantMap busFields(const session::Telling& told)
-{
-    QVariantMap fields;
-    for (auto field = told.fields.begin(); field != told.fields.end(); ++field) {
-        if (field->metaType() != QMetaType::fromType<std::nullptr_t>())
-            fields.insert(field.key(), *field);
-    }
-    fields.insert(u"type"_s, QString(told.kind));
-    fields.insert(u"time"_s, QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
-    return fields;
-}
 
 } // namespace
 
@@ -89,7 +78,19 @@ void SessionInterface::follow(const session::Event& event)
         return;
     if (std::holds_alternative<session::DataProgress>(event))
         showTransfer();
-    m_surroundings.send(sessionInterface, "Event", {busFields(*told)});
+    tellEvent(*told);
+}
+
+// The bus has no value for "not known": such a key is left out.
+void SessionInterface::tellEvent(session::Telling told)
+{
+    auto& fields = told.fields;
+    fields.removeIf([](const auto& field) {
+        return field.value().metaType() == QMetaType::fromType<std::nullptr_t>();
+    });
+    fields.insert(u"type"_s, QString(told.kind));
+    fields.insert(u"time"_s, QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs));
+    m_surroundings.send(sessionInterface, "Event", {fields});
 }
 
 void SessionInterface::begin(const QString& operation)
@@ -100,6 +101,8 @@ void SessionInterface::begin(const QString& operation)
     set("BytesPerSecond", 0.0);
     set("SecondsLeft", -1.0);
     tellChanges();
+    m_begun.start();
+    tellEvent({"started"_L1, {{u"schema"_s, schema}, {u"command"_s, operation}}});
 }
 
 // At most ten times a second, whatever the number of targets.
@@ -122,8 +125,9 @@ void SessionInterface::complete(int code, const QString& message)
     const session::State state = stateOf(m_radio);
     const session::StateText& text =
         textOf(isLoad && code != 0 ? session::State::Untouched : state);
+    const QString operation = value(u"Operation"_s).toString();
     const session::Transfer& transfer = m_narrator.transfer();
-    if (transfer.total > 0 && value(u"Operation"_s) == u"download"_s)
+    if (transfer.total > 0 && operation == u"download"_s)
         set("Percentage", transfer.percent());
     set("Operation", QString());
     set("Holder", QString());
@@ -134,6 +138,14 @@ void SessionInterface::complete(int code, const QString& message)
     if (!isLoad || code != 0)
         set("Advice", text.advice.toString());
     tellChanges();
+    tellEvent({"result"_L1,
+               {{u"command"_s, operation},
+                {u"ok"_s, code == 0},
+                {u"code"_s, qint64(code)},
+                {u"message"_s, message},
+                {u"advice"_s, text.advice.toString()},
+                {u"radio"_s, textOf(state).name.toString()},
+                {u"seconds"_s, static_cast<double>(m_begun.elapsed()) / 1000}}});
     m_surroundings.send(sessionInterface, "Completed",
                         {code, message, textOf(state).name.toString()});
 }

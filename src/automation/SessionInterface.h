@@ -37,6 +37,7 @@ private:
     void onEvent(const session::Event& event) noexcept override;
     void follow(const session::Event& event);
     void begin(const QString& operation);
+    void tellEvent(session::Telling told);
     void complete(int code, const QString& message);
     void showTransfer();
     void set(const char* property, const QVariant& value);
@@ -47,6 +48,7 @@ private:
     session::Narrator m_narrator;
     session::Radio m_radio;
     QElapsedTimer m_clock;
+    QElapsedTimer m_begun;     ///< when the operation did
     qint64 m_transferTold = 0; ///< when on m_clock
     QVariantMap m_values;
     QVariantMap m_changed; ///< not told yet

@@ -255,13 +255,14 @@ class Automation(unittest.TestCase):
         told = [one for one in self.client.told if one[0] != "DownloadProgressUpdate"]
         session = self.client.object(manager.path)
         session.interface = NAME + ".Session"
-        self.assertEqual(told[-4][1:3], (NAME + "._clsDLManager", {"AsyncTaskBusy": False}))
-        self.assertEqual([told[-3][0], told[-2][2]["Holder"], told[-1]],
+        self.assertEqual(told[-5][1:3], (NAME + "._clsDLManager", {"AsyncTaskBusy": False}))
+        self.assertEqual([told[-4][0], told[-3][2]["Holder"], told[-1]],
                          ["ReportConfigurationsUpdate", "", ("Completed", 0, "Success", "restarted")])
         kinds = [one[1]["type"] for one in told if one[0] == "Event" and one[1]["type"] != "progress"]
         target = ["target", "blocks", "blocks", "table", "blocks"]
-        self.assertEqual(kinds, ["radio", "boot-application", "speed", "configuration", *target[:3], "table",
-                                 *target[3:], *target, "configuration", "restarted"])
+        self.assertEqual(kinds, ["started", "result", "started", "radio", "boot-application", "speed", "configuration", *target[:3], "table",
+                                 *target[3:], *target, "configuration", "restarted",
+                                 "result"])
         values = session.property("GetAll", "s")
         self.assertEqual([values[key] for key in ("State", "Percentage", "SecondsLeft", "Operation", "LastResult")],
                          ["restarted", 100.0, -1.0, "", 0])
@@ -356,7 +357,7 @@ class Automation(unittest.TestCase):
         self.radio(2)
         client = self.new_client()
         one, two = self.manager(self.client), self.manager(client, "COM2:")
-        self.assertNotEqual(one.path, two.path)
+        last, third = client.create(), client.create()
         outcome = one.start("DownLoad", "s", "")
         self.assertTrue(wait_for(lambda: one.events("DownloadProgressUpdate")))
         for member, *arguments in (("ReportConfigurations", "s", ""), ("EraseSelected", "ss", "1", ""),
@@ -369,11 +370,15 @@ class Automation(unittest.TestCase):
         self.assert_error(BUSY, one.ReportConfigurations, "s", "")
         self.assertFalse(one.AsyncTaskProcess("is", REPORT, ""), "would end with the running operation")
         self.assertTrue(two.AsyncTaskProcess("is", DOWNLOAD, ""), "waits for the running operation")
+        for task in (third, last):
+            self.assertTrue(task.AsyncTaskProcess("is", LOAD, FILES[0]))
         self.assertEqual(outcome, [], "the download has ended too early for this test")
         self.assertTrue(wait_for(lambda: outcome and two.events("ReportConfigurationsUpdate"), 60))
         self.assertEqual(outcome[0], 0)
         self.assertIn("JHA2F-2.03|0|0", outcome[1])
         self.assertIn("JHA2F-2.03|0|0", two.events("ReportConfigurationsUpdate")[0][0])
+        self.assertTrue(wait_for(lambda: len(client.busy_ended) == 3))
+        self.assertEqual(client.busy_ended, [two.path, third.path, last.path], "in the order of acceptance")
 
     def test_a_client_killed_in_its_download(self):
         self.radio(1, "--pace")

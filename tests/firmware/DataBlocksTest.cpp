@@ -68,7 +68,9 @@ QByteArray compressedAtOnce(const QByteArray& plain)
     const int result = compress(reinterpret_cast<Bytef*>(all.data()), &size,
                                 reinterpret_cast<const Bytef*>(plain.constData()),
                                 static_cast<uLong>(plain.size()));
-    return result == Z_OK ? all.left(static_cast<qsizetype>(size + size % 2)) : QByteArray();
+    return result == Z_OK
+               ? all.left(static_cast<qsizetype>(size) + static_cast<qsizetype>(size % 2))
+               : QByteArray();
 }
 
 // Best is an ordinary stream of the same bytes, never longer than the standard one; where neither
