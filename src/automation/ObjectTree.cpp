@@ -2,6 +2,8 @@
 
 #include "automation/BoundClass.h"
 
+#include <QAbstractEventDispatcher>
+#include <QCoreApplication>
 #include <QDBusConnection>
 #include <QDBusMessage>
 
@@ -55,6 +57,9 @@ QString ObjectTree::introspect(const QString&) const
 
 bool ObjectTree::handleMessage(const QDBusMessage& message, const QDBusConnection& connection)
 {
+    // A call that came together with this one waits in the same queue, and the event loop that an
+    // operation runs in here would sleep over it.
+    QCoreApplication::eventDispatcher()->wakeUp();
     QDBusMessage reply;
     try {
         reply = message.createReply(answer(message));

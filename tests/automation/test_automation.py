@@ -359,6 +359,8 @@ class Automation(unittest.TestCase):
         one, two = self.manager(self.client), self.manager(client, "COM2:")
         last, third = client.create(), client.create()
         outcome = one.start("DownLoad", "s", "")
+        two.get("RadioType")  # arrives together with the call before it
+        self.assertEqual(wait_for(lambda: outcome, 0.1), [], "held up until the end")
         self.assertTrue(wait_for(lambda: one.events("DownloadProgressUpdate")))
         for member, *arguments in (("ReportConfigurations", "s", ""), ("EraseSelected", "ss", "1", ""),
                                    ("DownLoad", "s", ""), ("ResetRadio",), ("LoadFilesEx", "ss", FILES[0], ","),
