@@ -248,8 +248,9 @@ class Player:
                 os.killpg(pid, signal.SIGKILL)
                 break
             time.sleep(0.02)
+        # Of a radio that has hung up the device may be another one's by now.
         with contextlib.suppress(OSError):
-            inode = os.stat(self.folder / "port").st_ino
+            inode = os.stat(self.folder / "port").st_ino if self.radio.process.poll() is None else None
             leftovers += ["a lock" for line in open("/proc/locks") if line.split()[5].endswith(f":{inode}")
                           and "FLOCK" in line]
         certificates = self.folder / "certificates"
