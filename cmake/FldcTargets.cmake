@@ -40,13 +40,15 @@ endif()
 
 # What makes a fault of memory end the program instead of being used. The optimiser is needed for the
 # checked functions of the C library.
+add_library(fldc_hardening INTERFACE)
 option(FLDC_HARDEN "Hardened executables" ON)
 if(FLDC_HARDEN AND NOT FLDC_SANITIZE)
-  target_compile_options(fldc_settings INTERFACE -fstack-protector-strong -fstack-clash-protection -fcf-protection)
-  target_compile_definitions(fldc_settings INTERFACE _GLIBCXX_ASSERTIONS
-                                                     $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=3>)
-  target_link_options(fldc_settings INTERFACE -Wl,-z,relro,-z,now -pie)
+  target_compile_options(fldc_hardening INTERFACE -fstack-protector-strong -fstack-clash-protection -fcf-protection)
+  target_compile_definitions(fldc_hardening INTERFACE _GLIBCXX_ASSERTIONS
+                                                      $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=3>)
+  target_link_options(fldc_hardening INTERFACE -Wl,-z,relro,-z,now -pie)
 endif()
+target_link_libraries(fldc_settings INTERFACE fldc_hardening)
 
 # fldc_library(name SOURCES file... LINKS library...): one static library per folder.
 function(fldc_library name)
