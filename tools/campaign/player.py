@@ -248,11 +248,11 @@ class Player:
                 os.killpg(pid, signal.SIGKILL)
                 break
             time.sleep(0.02)
-        # Of a radio that has hung up the device may be another one's by now.
+        # By its number alone the device may be another radio's by now.
         with contextlib.suppress(OSError):
-            inode = os.stat(self.folder / "port").st_ino if self.radio.process.poll() is None else None
+            inode = os.stat(self.folder / "port").st_ino
             leftovers += ["a lock" for line in open("/proc/locks") if line.split()[5].endswith(f":{inode}")
-                          and "FLOCK" in line]
+                          and "FLOCK" in line and line.split()[4] == str(pid)]
         certificates = self.folder / "certificates"
         if certificates.exists() and self.ended.code >= 0:
             leftovers += [f"file {each.name}" for each in certificates.iterdir() if each.suffix != ".json"]
