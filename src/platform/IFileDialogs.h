@@ -14,6 +14,8 @@ struct FileQuestion {
     QString initialName;
     /// Pairs of a name and its patterns: "S records|*.srec;*.s1|All files|*.*".
     QString filter;
+    /// Whether its window takes no input until the answer; one that something waits behind must.
+    bool modal = true;
 };
 
 /// The desktop's file dialogs. They do not hold up the caller: the answer comes later, because
@@ -23,12 +25,14 @@ public:
     virtual ~IFileDialogs() = default;
 
     /// Called once, from the event loop, with full paths, or with nothing when the user cancelled;
-    /// not at all when the window that the dialog belongs to goes first. Must not throw.
+    /// not at all when the window that the dialog belongs to goes first, or when another dialog is
+    /// open already, which then comes to the front. Must not throw.
     using Answer = std::function<void(const std::optional<QStringList>& paths)>;
 
     /// Asks for one or more existing files of one folder.
     virtual void chooseFilesToOpen(const FileQuestion& question, Answer answer) = 0;
-    /// Asks for a file to be written, in an existing folder; the user has confirmed that one that
+    /// Asks for a file to be written, in an existing folder; a name without an ending gets that of
+    /// the pattern that is chosen, where that is a single one. The user has confirmed that one that
     /// exists may be replaced.
     virtual void chooseFileToSave(const FileQuestion& question, Answer answer) = 0;
 };

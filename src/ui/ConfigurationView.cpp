@@ -6,6 +6,8 @@
 #include <QEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMouseEvent>
+#include <QPixmap>
 #include <QScopedValueRollback>
 
 #include <algorithm>
@@ -16,13 +18,23 @@ namespace fldc {
 namespace {
 
 constexpr int iconPixels = 16;
+constexpr int rowGap = 4; // between two boxes
 constexpr int statusColumn = 2;
 constexpr int narrowestColumn = 16;
+
+// Takes the place of a box, so that all texts begin at the same place.
+QIcon emptyIcon()
+{
+    QPixmap empty(iconPixels, iconPixels);
+    empty.fill(Qt::transparent);
+    return empty;
+}
 
 QIcon markIcon(RowMark mark)
 {
     static const QIcon unticked = frmIcon::picture(QStringLiteral("unticked"));
     static const QIcon ticked = frmIcon::picture(QStringLiteral("ticked"));
+    static const QIcon noBox = emptyIcon();
     switch (mark) {
     case RowMark::Erasable:
         return unticked;
@@ -31,7 +43,7 @@ QIcon markIcon(RowMark mark)
     case RowMark::None:
         break;
     }
-    return {};
+    return noBox;
 }
 
 QString accessibleText(const ConfigurationRow& row)
@@ -86,8 +98,13 @@ ConfigurationView::ConfigurationView(const ConfigurationList& list, QWidget* par
 void ConfigurationView::refill()
 {
     clear();
-    for (const ConfigurationRow& row : m_list->rows())
-        addTopLevelItem(new QTreeWidgetItem(QStringList(row.texts.begin(), row.texts.end())));
+    m_userWidths = false;
+    const int height = std::max(fontMetrics().height(), iconPixels) + rowGap;
+    for (const ConfigurationRow& row : m_list->rows()) {
+        auto* item = new QTreeWidgetItem(QStringList(row.texts.begin(), row.texts.end()));
+        item->setSizeHint(0, QSize(0, height));
+        addTopLevelItem(item);
+    }
     showMarks();
     applyColours();
     applyWidths();
@@ -129,31 +146,25 @@ std::vector<int> ConfigurationView::ruleWidths() const
 
 void ConfigurationView::applyWidths()
 {
-    if (m_list == nullptr)
+    if (m_list == nullptr || m_userWidths)
         return;
     const QScopedValueRollback applying(m_applying, true);
-    const auto remembered = m_userWidths.find(m_list->layout());
     const auto& shown = m_list->columnWidths(listWidth);
-    const std::vector<int> widths =
-        remembered == m_userWidths.end() ? ruleWidths() : remembered->second;
+    const std::vector<int> widths = ruleWidths();
     for (int column = 0; column < columnCount(); ++column) {
         const auto index = static_cast<std::size_t>(column);
         setColumnHidden(column, shown.at(index) == 0);
         if (shown.at(index) != 0)
             setColumnWidth(column, widths.at(index));
     }
-    setHorizontalScrollBarPolicy(remembered == m_userWidths.end() ? Qt::ScrollBarAlwaysOff
-                                                                  : Qt::ScrollBarAsNeeded);
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
 }
 
 void ConfigurationView::rememberWidths()
 {
     if (m_applying || m_list == nullptr)
         return;
-    std::vector<int>& widths = m_userWidths[m_list->layout()];
-    widths.clear();
-    for (int column = 0; column < columnCount(); ++column)
-        widths.push_back(columnWidth(column));
+    m_userWidths = true;
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
 }
 
@@ -168,6 +179,13 @@ void ConfigurationView::keyPressEvent(QKeyEvent* event)
         return QTreeWidget::keyPressEvent(event);
     if (!event->isAutoRepeat())
         toggle(currentItem());
+}
+
+// Only what the left button does marks.
+void ConfigurationView::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton)
+        QTreeWidget::mouseDoubleClickEvent(event);
 }
 
 void ConfigurationView::resizeEvent(QResizeEvent* event)

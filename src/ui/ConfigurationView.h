@@ -4,7 +4,6 @@
 
 #include <QTreeWidget>
 
-#include <map>
 #include <vector>
 
 namespace fldc {
@@ -12,8 +11,8 @@ namespace fldc {
 /// Shows the configuration list: one row per configuration, an empty or ticked box on those that
 /// can be erased. A click or the space bar on a row asks for its mark to change.
 ///
-/// Columns have the widths of the list's rule until the user changes one; the user's widths then
-/// stay for the session, apart for each set of visible columns.
+/// Columns have the widths of the list's rule until the user changes one; the user's widths stay
+/// until the list is filled again.
 class ConfigurationView final : public QTreeWidget {
     Q_OBJECT
 
@@ -33,6 +32,7 @@ Q_SIGNALS:
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
     void changeEvent(QEvent* event) override;
 
@@ -44,7 +44,7 @@ private:
     void toggle(QTreeWidgetItem* item);
 
     const ConfigurationList* m_list;
-    std::map<ConfigurationList::Layout, std::vector<int>> m_userWidths;
+    bool m_userWidths = false; ///< the user has changed one
     bool m_applying = false;
 };
 

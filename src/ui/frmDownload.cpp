@@ -45,6 +45,13 @@ QStringList droppedFiles(const QMimeData& data)
     return paths;
 }
 
+// Whatever the source proposes: it deletes what was moved.
+void acceptAsCopy(QDropEvent& event)
+{
+    event.setDropAction(Qt::CopyAction);
+    event.accept();
+}
+
 } // namespace
 
 DownloadWindow::ViewFactory frmDownload::factory(const Platform& platform, IFileDialogs& dialogs,
@@ -152,9 +159,12 @@ void frmDownload::showBaudRate()
 
 void frmDownload::showEnabled()
 {
-    // A control that is disabled loses the focus; it comes back with the control.
-    if (!m_window->controlsEnabled() && m_focused == nullptr)
+    // A control that is disabled loses the focus to the next one, where the user's next key would
+    // be text or a mark: it waits where keys do nothing, and comes back with the control.
+    if (!m_window->controlsEnabled() && m_focused == nullptr) {
         m_focused = focusWidget();
+        txtCurrentDownload->setFocus();
+    }
     for (QWidget* each : {static_cast<QWidget*>(cmdConfig), static_cast<QWidget*>(cmdDownload),
                           static_cast<QWidget*>(cboPort)})
         each->setEnabled(m_window->controlsEnabled());
@@ -162,7 +172,8 @@ void frmDownload::showEnabled()
     if (!m_window->controlsEnabled())
         return setCursor(Qt::BusyCursor);
     unsetCursor();
-    if (QWidget* before = std::exchange(m_focused, nullptr))
+    QWidget* before = std::exchange(m_focused, nullptr);
+    if (before != nullptr && focusWidget() == txtCurrentDownload)
         (before->isEnabled() ? before : ListView1)->setFocus();
 }
 
@@ -203,7 +214,9 @@ void frmDownload::showNotice(const QString& text)
     auto* box = new QMessageBox(QMessageBox::Information, m_platform.program.title(), text,
                                 QMessageBox::Ok, this);
     box->setAttribute(Qt::WA_DeleteOnClose);
-    box->open();
+    // A modal one would lock the Cancel of the wait for the radio.
+    box->setWindowModality(operationRuns() ? Qt::NonModal : Qt::WindowModal);
+    box->show();
 }
 
 void frmDownload::onSessionEnds()
@@ -224,13 +237,13 @@ void frmDownload::dragEnterEvent(QDragEnterEvent* event)
 {
     if (m_window != nullptr && m_window->controlsEnabled() &&
         !droppedFiles(*event->mimeData()).isEmpty())
-        event->acceptProposedAction();
+        acceptAsCopy(*event);
 }
 
 // The program that the files come from waits for the end of the drop: the download starts after it.
 void frmDownload::dropEvent(QDropEvent* event)
 {
-    event->acceptProposedAction();
+    acceptAsCopy(*event);
     QTimer::singleShot(0, this, [this, paths = droppedFiles(*event->mimeData())] {
         whileHandling([&] { m_operations->DownloadFiles(paths); });
     });

@@ -6,6 +6,7 @@
 #include "ui/StatusBar.h"
 #include "ui/frmIcon.h"
 #include "ui/logic/ButtonOperations.h"
+#include "ui/widgets/ChoiceBox.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -40,11 +41,13 @@ QFont buttonFont(int width)
     return fittingFont(windowFont(), QStringLiteral("Report Configuration"), width);
 }
 
-// The longest of the component types fits into the first column, beside the box.
-QFont listFont(const QFont& font, int firstColumnWidth)
+// The longest of the component types fits into the first column, beside the box, and the longest
+// status into the third.
+QFont listFont(const QFont& font, int typeWidth, int statusWidth)
 {
-    return fittingFont(font, displayText(Text::SystemConfigTable),
-                       firstColumnWidth - listPicturePixels - listMargin);
+    return fittingFont(fittingFont(font, displayText(Text::SystemConfigTable),
+                                   typeWidth - listPicturePixels - listMargin),
+                       displayText(Text::NoCodeComponent), statusWidth - listMargin);
 }
 
 } // namespace
@@ -119,18 +122,9 @@ QPushButton* frmDownload::makeButton(Control control, const QString& text, Opera
     return button;
 }
 
-// Text can be typed without an entry being chosen. The toolkit would choose the entry that equals
-// the typed text when the box loses the focus, and complete what is typed.
 QComboBox* frmDownload::makeCombo(Control control)
 {
-    auto* combo = place(control, new QComboBox(this));
-    combo->setEditable(true);
-    combo->setInsertPolicy(QComboBox::NoInsert);
-    combo->setCompleter(nullptr);
-    disconnect(combo->lineEdit(), &QLineEdit::editingFinished, combo, nullptr);
-    combo->lineEdit()->setAcceptDrops(false);
-    combo->setAcceptDrops(false);
-    return combo;
+    return place(control, new ChoiceBox(this));
 }
 
 void frmDownload::makeHelpButton()
@@ -140,6 +134,7 @@ void frmDownload::makeHelpButton()
     cmdHelp->setIconSize(QSize(helpPicturePixels, helpPicturePixels));
     connect(cmdHelp, &QPushButton::clicked, this, &frmDownload::askForHelp);
     auto* key = new QShortcut(QKeySequence(Qt::Key_F1), this);
+    key->setAutoRepeat(false);
     connect(key, &QShortcut::activated, this, &frmDownload::askForHelp);
 }
 
@@ -160,8 +155,9 @@ void frmDownload::makeFrame()
     border->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     ListView1 = place(Control::ListView1, new ConfigurationView(m_window->configurations(), frame));
     border->setGeometry(ListView1->geometry().adjusted(-1, -1, 1, 1));
-    const int firstColumn = m_window->configurations().columnWidths(listWidth).front();
-    ListView1->setFont(listFont(textFont, twipsToPixels(firstColumn, logicalDpiX())));
+    const auto columns = m_window->configurations().columnWidths(listWidth);
+    ListView1->setFont(listFont(textFont, twipsToPixels(columns[0], logicalDpiX()),
+                                twipsToPixels(columns[2], logicalDpiX())));
     ListView1->header()->setFont(textFont);
     cmdSaveDetails =
         makeButton(Control::cmdSaveDetails, tr("&Save Details"), &ButtonOperations::SaveDetails);

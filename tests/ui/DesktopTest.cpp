@@ -6,6 +6,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPointer>
 #include <QTemporaryDir>
 #include <QTest>
@@ -64,6 +65,12 @@ TEST(FileDialogsTest, SavingAsksBeforeAFileIsReplacedAndCancelIsAnAnswer)
     QFileDialog* dialog = shownDialog();
     ASSERT_NE(dialog, nullptr);
     EXPECT_FALSE(dialog->testOption(QFileDialog::DontConfirmOverwrite));
+    EXPECT_EQ(dialog->defaultSuffix(), QString()) << "several endings";
+    dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
+        ->setText(QStringLiteral("/no/such/folder/a.csv"));
+    QMetaObject::invokeMethod(dialog, "accept");
+    EXPECT_TRUE(dialog->isVisible());
+    EXPECT_NE(dialog->findChild<QMessageBox*>(), nullptr) << "told in the dialog";
     dialog->reject();
     EXPECT_TRUE(QTest::qWaitFor([&] { return cancelled; }));
 }

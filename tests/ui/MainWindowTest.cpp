@@ -11,6 +11,7 @@
 #include <QProgressBar>
 #include <QTest>
 #include <QTreeWidget>
+#include <QWheelEvent>
 
 #include <array>
 
@@ -88,8 +89,14 @@ TEST_F(MainWindowTest, ATypedSpeedSelectsNoEntry)
         EXPECT_EQ(window.lock()->baudRateIndex(), -1) << text;
         EXPECT_EQ(combo->currentText(), QString::fromLatin1(text));
     }
+    QTest::keyClick(combo->lineEdit(), Qt::Key_E, Qt::AltModifier);
+    EXPECT_EQ(combo->currentText(), QStringLiteral("19200")) << "meant for a button";
     manager->SetBaudRate(19200);
-    EXPECT_EQ(combo->currentIndex(), 2);
+    control("cboPort")->setFocus();
+    QWheelEvent wheel({5, 5}, combo->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton,
+                      Qt::NoModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(combo, &wheel);
+    EXPECT_EQ(combo->currentIndex(), 2) << "and the wheel, meant for nothing";
     EXPECT_EQ(combo->currentText(), QStringLiteral("19200"));
     QTest::keyClick(combo, Qt::Key_Down);
     EXPECT_EQ(window.lock()->baudRateIndex(), 3);
@@ -111,7 +118,8 @@ TEST_F(MainWindowTest, RowsAreMarkedByClickAndSpace)
     EXPECT_EQ(enabled(), QStringLiteral("cboPort cmdConfig cmdDownload cmdErase"));
     auto* list = control<QTreeWidget>("ListView1");
     const auto cacheKey = [list](int row) { return list->topLevelItem(row)->icon(0).cacheKey(); };
-    EXPECT_TRUE(list->topLevelItem(0)->icon(0).isNull());
+    EXPECT_FALSE(list->topLevelItem(0)->icon(0).isNull()) << "its text begins where the others do";
+    EXPECT_NE(cacheKey(0), cacheKey(2));
     EXPECT_EQ(cacheKey(1), cacheKey(4));
     EXPECT_NE(cacheKey(1), cacheKey(2));
 
@@ -119,6 +127,9 @@ TEST_F(MainWindowTest, RowsAreMarkedByClickAndSpace)
     EXPECT_EQ(marks(), QStringLiteral("2|"));
     clickRow(1);
     EXPECT_EQ(enabled(), QStringLiteral("cboPort cmdConfig cmdDownload")) << "the last mark went";
+    const QPoint third = list->visualItemRect(list->topLevelItem(2)).center();
+    QTest::mouseDClick(list->viewport(), Qt::RightButton, {}, third);
+    EXPECT_EQ(marks(), QString());
 }
 
 TEST_F(MainWindowTest, ColumnsFollowTheReportAndTheUser)
@@ -134,10 +145,10 @@ TEST_F(MainWindowTest, ColumnsFollowTheReportAndTheUser)
     EXPECT_EQ(columnWidths(*list), (std::array{120, 187, 100, 100, 38}));
 
     list->header()->resizeSection(1, 150);
-    fill({QStringLiteral("JVA1G")}, "0");
-    EXPECT_EQ(list->columnWidth(1), 187) << "another set of columns";
-    fill({QStringLiteral("JVA2G")}, "0");
+    list->resize(list->width() - 1, list->height());
     EXPECT_EQ(list->columnWidth(1), 150) << "the user's";
+    fill({QStringLiteral("JVA1G")}, "0");
+    EXPECT_EQ(list->columnWidth(1), 187) << "until it is filled again";
 }
 
 TEST_F(MainWindowTest, AStatusHasItsTextAndAColourThatCanBeRead)

@@ -36,9 +36,11 @@ TEST_F(OperationsTest, WhileAReportRunsNothingElseStartsAndTheWindowStays)
     start();
     play({logOn, askForReport});
     bool seen = false;
+    control("cmdConfig")->setFocus();
     machine.time.after(1s, [&] {
         seen = true;
         EXPECT_EQ(enabled(), QString());
+        EXPECT_EQ(view->focusWidget(), control("txtCurrentDownload")) << "where keys do nothing";
         EXPECT_EQ(view->cursor().shape(), Qt::BusyCursor);
         EXPECT_TRUE(control("cmdSaveDetails")->isEnabled());
         EXPECT_FALSE(view->close());
@@ -51,6 +53,7 @@ TEST_F(OperationsTest, WhileAReportRunsNothingElseStartsAndTheWindowStays)
     EXPECT_TRUE(seen);
     EXPECT_EQ(status(), QStringLiteral("Error 42 - Timer expired - no response received"));
     EXPECT_EQ(enabled(), QString::fromLatin1(idle)) << "the mark counts from the next click on";
+    EXPECT_EQ(view->focusWidget(), control("ListView1")) << "the user has moved it there";
     EXPECT_EQ(view->cursor().shape(), Qt::ArrowCursor);
     EXPECT_TRUE(view->close());
 }
@@ -104,6 +107,7 @@ TEST_F(OperationsTest, ADownloadAsksForFilesAndTellsWhatIsLeft)
                                          "All files|*.*")));
     EXPECT_EQ(status(), QStringLiteral("Download successful"));
     EXPECT_EQ(enabled(), QString::fromLatin1(idle));
+    EXPECT_EQ(view->focusWidget(), control("cmdDownload"));
 
     auto* report = control<QDialog>("frmReportDialog");
     EXPECT_TRUE(report->isModal());
@@ -156,8 +160,11 @@ TEST_F(OperationsTest, DroppedFilesAreDownloaded)
     QDragEnterEvent enter(QPoint(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(view, &enter);
     EXPECT_TRUE(enter.isAccepted());
-    QDropEvent drop(QPointF(50, 50), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QDropEvent drop(QPointF(50, 50), Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton,
+                    Qt::ShiftModifier);
+    drop.setDropAction(Qt::MoveAction);
     QCoreApplication::sendEvent(view, &drop);
+    EXPECT_EQ(drop.dropAction(), Qt::CopyAction) << "the source would delete what was moved";
     EXPECT_EQ(status(), QStringLiteral("Ready")) << "the drop ends first";
     QTest::qWait(1);
     EXPECT_EQ(status(), QStringLiteral("Error 33 - File does not exist"));
@@ -182,6 +189,13 @@ TEST_F(OperationsTest, TheDetailsAreSavedByteForByte)
               titles + "Radio Application,JVA1,\xe9?,7,Torso,5\r\n");
     EXPECT_EQ(dialogs.asked.last().section(u':', 1, 1), path) << "what the dialog last held";
 
+    machine.settings.values[QStringLiteral("LastFile")] = filePath("last.srec");
+    dialogs.answers = {std::nullopt, std::nullopt};
+    click("cmdDownload");
+    click("cmdSaveDetails");
+    EXPECT_EQ(dialogs.asked.last().section(u':', 1, 1), filePath("Configuration.csv"))
+        << "no firmware is written over";
+
     machine.files.unwritable.insert(path);
     dialogs.answers.emplace_back(QStringList(path));
     click("cmdSaveDetails");
@@ -194,14 +208,20 @@ TEST_F(OperationsTest, ASaveBehindAnOperationIsNotItsOutcome)
     start();
     dialogs.mayStayOpen = true;
     play({logOn, askForReport,
-          "<500 43 0A 00 52 00 56 00 4B 00 42 00 31 00 00 00 00 00 00 00 00 05"
+          "<5000 43 0A 00 52 00 56 00 4B 00 42 00 31 00 00 00 00 00 00 00 00 05"
           " 00 B6 8F\n< AF AF\n",
           restart});
-    machine.time.after(300ms, [&] { click("cmdSaveDetails"); });
+    QString before;
+    machine.time.after(300ms, [&] {
+        before = status();
+        click("cmdSaveDetails");
+    });
     machine.time.after(400ms, [&] {
         if (dialogs.open)
             dialogs.open(std::nullopt);
+        EXPECT_EQ(status(), QStringLiteral("File selection cancelled"));
     });
+    machine.time.after(3500ms, [&] { EXPECT_EQ(status(), before) << "the operation's again"; });
     click("cmdConfig");
     EXPECT_EQ(dialogs.asked.size(), 1);
     EXPECT_EQ(lastError().number(), 0) << "the user's cancel of the dialog is not the report's";

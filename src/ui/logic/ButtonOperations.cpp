@@ -195,7 +195,7 @@ void ButtonOperations::writeDetails(DownloadWindow& window, const QString& strFi
     if (!WriteDetailsFile(m_platform.files, window, strFileName))
         return;
     lastError().clear();
-    window.setStatusPanelStatus({});
+    window.setPassingStatus({});
 }
 
 void ButtonOperations::Help(std::uintptr_t windowHandle)

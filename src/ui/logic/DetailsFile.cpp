@@ -35,7 +35,7 @@ bool WriteDetailsFile(IFileService& files, DownloadWindow& window, const QString
     } catch (...) {
         const PlatformFailure failure = currentFailure();
         lastError().setRuntimeError(failure);
-        window.setStatusPanelStatus(failure.text(QStringLiteral(" - ")));
+        window.setPassingStatus(failure.text(QStringLiteral(" - ")));
         return false;
     }
 }

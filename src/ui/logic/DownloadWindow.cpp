@@ -5,6 +5,7 @@
 #include "manager/clsDLManager.h"
 #include "platform/IProgramInfo.h"
 #include "platform/ISerialControl.h"
+#include "platform/ITimers.h"
 #include "platform/Platform.h"
 #include "port/PortEnumeration.h"
 #include "shared/DisplayTexts.h"
@@ -42,7 +43,10 @@ DownloadWindow::DownloadWindow(const Platform& platform, ViewFactory makeView)
 {
 }
 
-DownloadWindow::~DownloadWindow() = default;
+DownloadWindow::~DownloadWindow()
+{
+    m_platform.timers.stop(m_passingTimer);
+}
 
 void DownloadWindow::addObserver(IWindowObserver& observer)
 {
@@ -233,6 +237,29 @@ void DownloadWindow::setStatusPanelStatus(const QString& strData)
     m_status = strData.isEmpty() ? displayText(Text::Ready) : strData;
     changed(WindowPart::Status);
     logDownload(m_status);
+}
+
+void DownloadWindow::setPassingStatus(const QString& text)
+{
+    const bool passing = m_passingTimer != 0 && m_status == m_passingStatus;
+    const QString own = passing ? m_ownStatus : m_status;
+    m_platform.timers.stop(std::exchange(m_passingTimer, 0));
+    setStatusPanelStatus(text);
+    if (!operationRuns())
+        return;
+    m_ownStatus = own;
+    m_passingStatus = m_status;
+    m_passingTimer = m_platform.timers.start(passingTime, [this] { endPassingStatus(); });
+}
+
+// What the operation has shown in the meantime stays.
+void DownloadWindow::endPassingStatus()
+{
+    m_platform.timers.stop(std::exchange(m_passingTimer, 0));
+    if (!operationRuns() || m_status != m_passingStatus)
+        return;
+    m_status = m_ownStatus;
+    changed(WindowPart::Status);
 }
 
 void DownloadWindow::setStatusPanelBaud(const QString& strData)

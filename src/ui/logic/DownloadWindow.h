@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <vector>
@@ -114,6 +115,10 @@ public:
     /// operation. Otherwise the window unloads.
     bool requestClose(bool sessionEnds);
     void setAccessLevelChecked(bool checked);
+    /// Shows what comes of something that the user does. While an operation runs its own status
+    /// comes back after passingTime.
+    void setPassingStatus(const QString& text);
+    static constexpr std::chrono::milliseconds passingTime{3000};
     /// Text of the first status panel; empty text shows "Status".
     void setStatusPanelTag(const QString& strData);
 
@@ -158,6 +163,7 @@ public:
 
 private:
     void changed(WindowPart part);
+    void endPassingStatus();
     void readPorts();
 
     const Platform& m_platform;
@@ -179,6 +185,9 @@ private:
     bool m_accessLevelChecked = false;
     QString m_tag;
     QString m_status;
+    QString m_passingStatus; ///< shown instead of m_ownStatus while m_passingTimer runs
+    QString m_ownStatus;
+    int m_passingTimer = 0;
     QString m_baud;
     QString m_fileName;
     int m_progress = 0;

@@ -1,6 +1,7 @@
 #include "ui/logic/FileChoice.h"
 
 #include "app/services/SettingsStore.h"
+#include "manager/Operation.h"
 #include "platform/IFileDialogs.h"
 #include "shared/DisplayTexts.h"
 #include "shared/LastError.h"
@@ -16,6 +17,9 @@ namespace {
 
 constexpr auto firmwareFilter = u"S records|*.srec;*.s1;*.s2;*.s3;*.s4|All files|*.*";
 constexpr auto exportFilter = u"Comma Separated Variable Files|*.csv|All files|*.*";
+
+// Offered where the dialog last held firmware, which must not be written over.
+constexpr QLatin1StringView exportName("Configuration.csv");
 
 QString folderOf(const QString& path)
 {
@@ -61,15 +65,25 @@ FileChoice::FileChoice(ISettingsFile& settings, IFileDialogs& dialogs)
 
 void FileChoice::SelectDownloadFile(DownloadWindow& window, Chosen chosen)
 {
-    window.setStatusPanelStatus(displayText(Text::SelectingDownloadFile));
+    window.setPassingStatus(displayText(Text::SelectingDownloadFile));
     m_fileName = ReadSetting(m_settings, lastFileSetting, {});
+    m_holdsFirmware = true;
     m_dialogs.chooseFilesToOpen(question(firmwareFilter), answerFor(window, std::move(chosen)));
 }
 
 void FileChoice::SelectExportFile(DownloadWindow& window, Chosen chosen)
 {
-    window.setStatusPanelStatus(displayText(Text::SelectingExportFile));
-    m_dialogs.chooseFileToSave(question(exportFilter), answerFor(window, std::move(chosen)));
+    window.setPassingStatus(displayText(Text::SelectingExportFile));
+    FileQuestion asked = question(exportFilter);
+    if (m_holdsFirmware && !asked.initialName.isEmpty())
+        asked.initialName = folderOf(asked.initialName.replace(u'\\', u'/')) + exportName;
+    asked.modal = !operationRuns();
+    const auto took = [weak = weak_from_this(), chosen = std::move(chosen)](const QString& name) {
+        if (const auto self = weak.lock(); self && !name.isEmpty())
+            self->m_holdsFirmware = false;
+        chosen(name);
+    };
+    m_dialogs.chooseFileToSave(asked, answerFor(window, took));
 }
 
 IFileDialogs::Answer FileChoice::answerFor(DownloadWindow& window, Chosen chosen)
@@ -109,9 +123,9 @@ void FileChoice::showOutcome(DownloadWindow& window, Code code)
     const RunningOutcome outcome;
     lastError().set(code);
     if (code == Code::FileSelectionCancelled)
-        window.setStatusPanelStatus(QStringLiteral("File selection cancelled"));
+        window.setPassingStatus(QStringLiteral("File selection cancelled"));
     else if (code == Code::NoFileSelected)
-        window.setStatusPanelStatus(QStringLiteral("No file has been selected"));
+        window.setPassingStatus(QStringLiteral("No file has been selected"));
 }
 
 } // namespace fldc

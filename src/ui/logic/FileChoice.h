@@ -47,6 +47,7 @@ private:
     ISettingsFile& m_settings;
     IFileDialogs& m_dialogs;
     QString m_fileName; ///< what the dialog last held
+    bool m_holdsFirmware = false;
 };
 
 } // namespace fldc

@@ -3,12 +3,16 @@
 #include <QApplication>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QMessageBox>
+#include <QRegularExpression>
 
 #include <utility>
 
 namespace fldc {
 
 namespace {
+
+const auto dialogName = QStringLiteral("cdgFileToDownload");
 
 // The window that the user works with; a dialog may be asked for by a click that did not activate
 // it.
@@ -33,9 +37,49 @@ void offer(QFileDialog& dialog, const QString& initialName)
     dialog.selectFile(file.fileName());
 }
 
+/// Asks for a file name and takes none in a folder that does not exist.
+class SaveDialog final : public QFileDialog {
+public:
+    using QFileDialog::QFileDialog;
+
+    void accept() override
+    {
+        const QString folder = QFileInfo(selectedFiles().value(0)).path();
+        if (QFileInfo(folder).isDir())
+            return QFileDialog::accept();
+        auto* box =
+            new QMessageBox(QMessageBox::Warning, windowTitle(),
+                            tr("The folder %1 does not exist.").arg(folder), QMessageBox::Ok, this);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        box->open();
+    }
+};
+
+// "csv" for "Comma Separated Variable Files (*.csv)"; none where there are several or all.
+QString endingOf(const QString& nameFilter)
+{
+    static const QRegularExpression single(QStringLiteral(R"(\(\*\.(\w+)\)$)"));
+    return single.match(nameFilter).captured(1);
+}
+
+// Where one is open already it comes to the front.
+bool anotherIsOpen()
+{
+    for (QWidget* each : QApplication::topLevelWidgets()) {
+        if (each->objectName() != dialogName || !each->isVisible())
+            continue;
+        each->raise();
+        each->activateWindow();
+        return true;
+    }
+    return false;
+}
+
 void ask(QFileDialog* dialog, const FileQuestion& question, IFileDialogs::Answer answer)
 {
-    dialog->setObjectName(QStringLiteral("cdgFileToDownload"));
+    dialog->setObjectName(dialogName);
+    // The toolkit's own one: the whole program speaks one language, and it can be checked.
+    dialog->setOption(QFileDialog::DontUseNativeDialog);
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setNameFilters(nameFilters(question.filter));
     offer(*dialog, question.initialName);
@@ -48,7 +92,8 @@ void ask(QFileDialog* dialog, const FileQuestion& question, IFileDialogs::Answer
         QMetaObject::invokeMethod(
             qApp, [answer, paths] { answer(paths); }, Qt::QueuedConnection);
     });
-    dialog->open();
+    dialog->setWindowModality(question.modal ? Qt::WindowModal : Qt::NonModal);
+    dialog->show();
 }
 
 } // namespace
@@ -67,6 +112,8 @@ QStringList nameFilters(const QString& filter)
 
 void FileDialogs::chooseFilesToOpen(const FileQuestion& question, Answer answer)
 {
+    if (anotherIsOpen())
+        return;
     auto* dialog = new QFileDialog(ownerWindow(), QFileDialog::tr("Open"));
     dialog->setFileMode(QFileDialog::ExistingFiles);
     ask(dialog, question, std::move(answer));
@@ -74,10 +121,17 @@ void FileDialogs::chooseFilesToOpen(const FileQuestion& question, Answer answer)
 
 void FileDialogs::chooseFileToSave(const FileQuestion& question, Answer answer)
 {
-    auto* dialog = new QFileDialog(ownerWindow(), QFileDialog::tr("Save As"));
+    if (anotherIsOpen())
+        return;
+    auto* dialog = new SaveDialog(ownerWindow(), QFileDialog::tr("Save As"));
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
+    const auto followFilter = [dialog](const QString& nameFilter) {
+        dialog->setDefaultSuffix(endingOf(nameFilter));
+    };
+    QObject::connect(dialog, &QFileDialog::filterSelected, dialog, followFilter);
     ask(dialog, question, std::move(answer));
+    followFilter(dialog->selectedNameFilter());
 }
 
 } // namespace fldc
