@@ -144,6 +144,20 @@ class Runs(unittest.TestCase):
             shown = subprocess.run([PROGRAM, "certificate", path], capture_output=True, timeout=60, check=False)
             self.assertEqual(shown.returncode, 0)
 
+    def test_a_radio_is_compared_with_one_as_it_should_be(self):
+        with Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200") as bench:
+            golden, cut = bench.folder / "golden.json", bench.folder / "cut.json"
+            golden.write_text(start(bench, "report PORT").communicate(timeout=60)[0])
+            cut.write_text(golden.read_text().replace('"status":0', '"status":"0"'))
+            for before, file, code, places in (("", golden, 0, []), ("", cut, 3, []), ("", DSP, 3, []),
+                                               (DOWNLOAD, golden, 2, [("JHA2F-1.20", "JHA2F-2.03")])):
+                start(bench, before or "ports").communicate(timeout=60)
+                run = start(bench, f"check PORT --expect {file}")
+                lines = [json.loads(line) for line in run.communicate(timeout=60)[0].splitlines()]
+                self.assertEqual(run.returncode, code, lines[-1])
+                self.assertEqual([(line["expected"], line["found"]) for line in lines if line["type"] == "difference"],
+                                 places)
+
     def test_a_certificate_that_cannot_be_written_is_no_success(self):
         with Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200") as bench:
             folder = bench.folder / "c"

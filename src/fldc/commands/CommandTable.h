@@ -16,6 +16,7 @@ namespace fldc::cli {
 [[nodiscard]] Outcome runPorts(Context& context);
 [[nodiscard]] Outcome runDoctor(Context& context);
 [[nodiscard]] Outcome runReport(Context& context);
+[[nodiscard]] Outcome runCheck(Context& context);
 [[nodiscard]] Outcome runDownload(Context& context);
 [[nodiscard]] Outcome runErase(Context& context);
 [[nodiscard]] Outcome runRestart(Context& context);

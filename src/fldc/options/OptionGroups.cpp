@@ -41,6 +41,16 @@ void addOneFile(CLI::App& command, Options& options)
     command.add_option("FILE", options.files, "A certificate")->required()->expected(1);
 }
 
+void addExpectation(CLI::App& command, Options& options)
+{
+    command
+        .add_option("--expect", options.files,
+                    "What `fldc report --json` has written for a radio as it should be")
+        ->type_name("FILE")
+        ->required()
+        ->expected(1);
+}
+
 void addComponents(CLI::App& command, Options& options)
 {
     command

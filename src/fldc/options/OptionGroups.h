@@ -17,6 +17,7 @@ void addPortOrDefault(CLI::App& command, Options& options); ///< [PORT]
 void addPortOption(CLI::App& command, Options& options);    ///< --port PORT
 void addFiles(CLI::App& command, Options& options);         ///< FILE...
 void addOneFile(CLI::App& command, Options& options);       ///< FILE
+void addExpectation(CLI::App& command, Options& options);   ///< --expect FILE
 void addComponents(CLI::App& command, Options& options);    ///< COMPONENT...
 void addLogOn(CLI::App& command, Options& options);         ///< of every command that logs on
 void addDownload(CLI::App& command, Options& options);

@@ -62,6 +62,9 @@ inline constexpr ObjectKind link{"link", "baud rounds lost corrupt median_ms p99
 
 inline constexpr ObjectKind check{"check", "subject ok finding hint"};
 
+inline constexpr ObjectKind difference{
+    "difference", "network device expected expected_status found found_status"};
+
 inline constexpr ObjectKind certificate{
     "certificate", "schema started radio boot_application speed configuration_before "
                    "configuration_after difference targets retries result host user version "
@@ -104,6 +107,7 @@ inline constexpr std::array objectKinds{
     kind::planMatch,
     kind::link,
     kind::check,
+    kind::difference,
     kind::certificate,
     kind::certificateDifference,
     kind::certificateTarget,
