@@ -53,6 +53,11 @@ KINDS = {
     "already-in-upgrade-mode": whole(lambda r: "=" + r.choice(("9600", "19200", "57600")), 20),
 }
 
+WHOLE = [kind for kind in KINDS if kind.startswith(("split", "silent-after", "unknown", "deaf", "ignores", "answers",
+                                                      "power", "f1", "already"))]
+# Kinds that not every event has.
+TAKES = {"fault": COMMANDS, "corrupt": COMMANDS, "busylist": ("32", "33", "39")}
+
 # The radio says another thing than it does: only the bound and the cleaning up can be judged.
 LIES = ("reply",)
 

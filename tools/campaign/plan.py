@@ -22,7 +22,7 @@ class Plan:
     options: tuple = ()
     faults: tuple = ()
     bound: float = 0  # seconds
-    signal: str = ""
+    signal: str = ""  # or "unplug": the device goes
     signal_after: int = 0  # lines of output, or tenths of a second for a program without any
     trigger: tuple = ()  # (event, number): the signal is sent once the radio has heard that
     returns: bool = False  # the device comes back after a hang-up
@@ -75,17 +75,22 @@ def make(seed):
 
 
 def sweep_of(profile, operation, exchanges):
-    """One plan for every kind of fault and signal at every exchange. `exchanges`: (event, number)."""
+    """One plan for every kind of fault and signal at every exchange, and for each that holds for a whole run.
+    `exchanges`: (event, number)."""
     options = options_of(random.Random(0), operation)
+    for kind in faults.WHOLE:
+        fault, seconds = faults.choose(random.Random(kind), kind)
+        yield bounded(Plan(f"sweep/{profile}/{operation}/{fault}", profile, operation, options=options,
+                           faults=(fault,)), [seconds])
     for (before, number_before), (event, number) in zip([("", 0), *exchanges], exchanges):
         single = [f"{kind}@{event}:{number}{value}" for kind, value in (
             ("fault", "=8103"), ("fault", "=8002"), ("busy", "=3/20"), ("corrupt", ""), ("garbage", "=00FF13"),
-            ("cut", "=1"), ("delay", "=300"), ("silent", ""), ("hangup", ""))
-            if event in faults.COMMANDS or kind not in ("fault", "corrupt")]
+            ("cut", "=1"), ("delay", "=300"), ("silent", ""), ("hangup", ""), ("reply", "=1337AFAF"),
+            ("busylist", "=AEAE0003")) if event in faults.TAKES.get(kind, (event,))]
         for fault in single:
             seed = f"sweep/{profile}/{operation}/{fault}"
             yield bounded(Plan(seed, profile, operation, options=options, faults=(fault,)), [faults.patience(event)])
-        for name in ("SIGTERM", "SIGKILL"):
+        for name in ("SIGTERM", "SIGKILL", "unplug"):
             for moment in ("before", "within", "after"):
                 trigger = (before, number_before) if moment == "before" else (event, number)
                 delay = (f"delay@{event}:{number}=100",) if moment == "within" else ()

@@ -209,6 +209,8 @@ class Player:
             self.ended.result = self.ended.lines[-1]
 
     def _signal(self, process):
+        if self.plan.signal == "unplug":
+            return self.radio.process.terminate()
         with contextlib.suppress(ProcessLookupError):
             process.send_signal(getattr(signal, self.plan.signal))
             if self.plan.signal == "SIGSTOP":
