@@ -25,8 +25,9 @@ public:
     virtual ~IFileDialogs() = default;
 
     /// Called once, from the event loop, with full paths, or with nothing when the user cancelled;
-    /// not at all when the window that the dialog belongs to goes first, or when another dialog is
-    /// open already, which then comes to the front. Must not throw.
+    /// not at all when the window that the dialog belongs to goes first, or when a dialog to save
+    /// is asked for while one is open, which then comes to the front. Files to open are asked for
+    /// in any case: an open dialog is cancelled for it. Must not throw.
     using Answer = std::function<void(const std::optional<QStringList>& paths)>;
 
     /// Asks for one or more existing files of one folder.

@@ -18,6 +18,7 @@ namespace fldc {
 namespace {
 
 constexpr int iconPixels = 16;
+constexpr int largestIconPixels = 64;
 constexpr int rowGap = 4; // between two boxes
 constexpr int statusColumn = 2;
 constexpr int narrowestColumn = 16;
@@ -25,7 +26,7 @@ constexpr int narrowestColumn = 16;
 // Takes the place of a box, so that all texts begin at the same place.
 QIcon emptyIcon()
 {
-    QPixmap empty(iconPixels, iconPixels);
+    QPixmap empty(largestIconPixels, largestIconPixels);
     empty.fill(Qt::transparent);
     return empty;
 }
@@ -99,7 +100,7 @@ void ConfigurationView::refill()
 {
     clear();
     m_userWidths = false;
-    const int height = std::max(fontMetrics().height(), iconPixels) + rowGap;
+    const int height = std::max(fontMetrics().height(), iconSize().height()) + rowGap;
     for (const ConfigurationRow& row : m_list->rows()) {
         auto* item = new QTreeWidgetItem(QStringList(row.texts.begin(), row.texts.end()));
         item->setSizeHint(0, QSize(0, height));
@@ -135,7 +136,7 @@ std::vector<int> ConfigurationView::ruleWidths() const
 {
     std::vector<int> widths;
     for (const int twips : m_list->columnWidths(listWidth))
-        widths.push_back(twipsToPixels(twips, logicalDpiX()));
+        widths.push_back(widthInPixels(twips, *this));
     const int excess =
         std::accumulate(widths.begin(), widths.end(), 0) - std::max(viewport()->width(), 1);
     const bool placed = viewport()->width() > width() / 2;

@@ -1,5 +1,7 @@
 #include "ui/FittingFont.h"
 
+#include "ui/desktop/Placement.h"
+
 #include <QApplication>
 #include <QFontMetricsF>
 
@@ -15,11 +17,11 @@ constexpr int stretchStep = 2;
 
 } // namespace
 
-QFont windowFont()
+QFont windowFont(const QWidget& window)
 {
     QFont font = QApplication::font();
-    if (font.pointSizeF() <= 0 || font.pointSizeF() > designPointSize)
-        font.setPointSizeF(designPointSize);
+    const double points = font.pointSizeF() <= 0 ? designPointSize : font.pointSizeF();
+    font.setPointSizeF(std::min(points, designPointSize) * scaleOf(window));
     return font;
 }
 

@@ -71,7 +71,7 @@ StatusBar::StatusBar(QWidget* parent)
     addWidget(m_status, 1);
     addWidget(m_baud);
     m_status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
-    m_baud->setFixedWidth(twipsToPixels(baudWidth, logicalDpiX()));
+    m_baud->setFixedWidth(widthInPixels(baudWidth, *this));
 }
 
 StatusPanel* StatusBar::addPanel(const QString& name, const QString& accessibleName)
@@ -85,7 +85,7 @@ StatusPanel* StatusBar::addPanel(const QString& name, const QString& accessibleN
 void StatusBar::showTag(const QString& text)
 {
     const int frame = 2 * (m_tag->frameWidth() + panelMargin);
-    m_tag->setFixedWidth(std::max(twipsToPixels(smallestTagWidth, logicalDpiX()),
+    m_tag->setFixedWidth(std::max(widthInPixels(smallestTagWidth, *this),
                                   m_tag->fontMetrics().horizontalAdvance(text) + frame));
     m_tag->showText(text);
 }

@@ -1,24 +1,15 @@
 #pragma once
 
+#include "ui/desktop/Placement.h"
+
 #include <QRect>
 #include <QSize>
 #include <QWidget>
 
 namespace fldc {
 
-/// A length on the screen in twips (1/1440 inch), in pixels of @p dpi: 15 twips are one pixel
-/// at 96.
-[[nodiscard]] inline int twipsToPixels(int twips, int dpi)
-{
-    return qRound(twips * static_cast<double>(dpi) / 1440.0);
-}
-
-[[nodiscard]] inline int pixelsToTwips(int pixels, int dpi)
-{
-    return qRound(pixels * 1440.0 / dpi);
-}
-
-/// Left, top, width and height in twips.
+/// Left, top, width and height in twips (1/1440 inch): 15 twips are one pixel of a screen with 96
+/// to the inch.
 struct TwipsRect {
     int left;
     int top;
@@ -26,13 +17,20 @@ struct TwipsRect {
     int height;
 };
 
-/// The rectangle in pixels of the screen that @p widget is on.
+/// A width in pixels of the screen that @p widget is on, at the scale of its window.
+[[nodiscard]] inline int widthInPixels(int twips, const QWidget& widget)
+{
+    return qRound(twips * scaleOf(widget) * widget.logicalDpiX() / 1440.0);
+}
+
+/// The rectangle in pixels of the screen that @p widget is on, at the scale of its window.
 [[nodiscard]] inline QRect toPixels(const TwipsRect& rect, const QWidget& widget)
 {
-    const int x = widget.logicalDpiX();
-    const int y = widget.logicalDpiY();
-    return {twipsToPixels(rect.left, x), twipsToPixels(rect.top, y), twipsToPixels(rect.width, x),
-            twipsToPixels(rect.height, y)};
+    const double scale = scaleOf(widget);
+    const double x = scale * widget.logicalDpiX() / 1440;
+    const double y = scale * widget.logicalDpiY() / 1440;
+    return {qRound(rect.left * x), qRound(rect.top * y), qRound(rect.width * x),
+            qRound(rect.height * y)};
 }
 
 } // namespace fldc

@@ -6,6 +6,7 @@
 #include "platform/PlatformFailure.h"
 #include "ui/ConfigurationView.h"
 #include "ui/StatusBar.h"
+#include "ui/desktop/Transient.h"
 #include "ui/frmReportDialog.h"
 #include "ui/logic/ButtonOperations.h"
 
@@ -19,7 +20,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QScopedValueRollback>
-#include <QScreen>
 #include <QTimer>
 
 #include <chrono>
@@ -102,14 +102,24 @@ void frmDownload::showView()
     if (QApplication::activeModalWidget() != nullptr)
         throw PlatformFailure(FailureNumber::ModalWindowOpen);
     if (!std::exchange(m_placed, true))
-        centreOnScreen();
+        placeOnScreen();
     show();
 }
 
-void frmDownload::centreOnScreen()
+void frmDownload::placeOnScreen()
 {
-    const QRect available = screen()->availableGeometry();
-    move(available.center() - rect().center());
+    constexpr int step = 24; // a title bar
+    centre(*this, m_number.value() * step);
+}
+
+// The window manager tells the size of the frame with the first place that it gives the window.
+void frmDownload::moveEvent(QMoveEvent* event)
+{
+    QWidget::moveEvent(event);
+    if (m_frameKnown || !isVisible() || frameGeometry() == geometry())
+        return;
+    m_frameKnown = true;
+    placeOnScreen();
 }
 
 void frmDownload::windowChanged(WindowPart part)
@@ -206,6 +216,7 @@ void frmDownload::showFailureReport(const QString& text, std::function<void()> c
     dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setReport(text);
     connect(dialog, &QDialog::finished, this, std::move(closed));
+    keepOffTaskBar(*dialog);
     dialog->open();
 }
 
@@ -216,6 +227,7 @@ void frmDownload::showNotice(const QString& text)
     box->setAttribute(Qt::WA_DeleteOnClose);
     // A modal one would lock the Cancel of the wait for the radio.
     box->setWindowModality(operationRuns() ? Qt::NonModal : Qt::WindowModal);
+    keepOffTaskBar(*box);
     box->show();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ui/ControlPositions.h"
+#include "ui/desktop/Placement.h"
 #include "ui/logic/DownloadWindow.h"
 
 #include <QWidget>
@@ -54,6 +55,7 @@ protected:
     void closeEvent(QCloseEvent* event) override;
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
+    void moveEvent(QMoveEvent* event) override;
 
 private:
     using Operation = void (ButtonOperations::*)();
@@ -79,7 +81,7 @@ private:
     void showPorts();
     void showBaudRate();
     void showEnabled();
-    void centreOnScreen();
+    void placeOnScreen();
 
     DownloadWindow* m_window; ///< null once the window has let go of this view
     std::shared_ptr<ButtonOperations> m_operations;
@@ -87,6 +89,8 @@ private:
     int m_handling = 0; ///< depth of the handlers that call into the window
     bool m_sessionEnds = false;
     bool m_placed = false;
+    bool m_frameKnown = false;
+    WindowNumber m_number;
     QWidget* m_focused = nullptr; ///< had the focus when the controls were disabled
 
     QCheckBox* chkAccessLevel = nullptr;

@@ -36,17 +36,17 @@ QString withoutMnemonic(QString text)
 }
 
 // The text of the buttons of a row gets the same look, that of the longest one.
-QFont buttonFont(int width)
+QFont buttonFont(const QWidget& window, int width)
 {
-    return fittingFont(windowFont(), QStringLiteral("Report Configuration"), width);
+    return fittingFont(windowFont(window), QStringLiteral("Report Configuration"), width);
 }
 
 // The longest of the component types fits into the first column, beside the box, and the longest
 // status into the third.
-QFont listFont(const QFont& font, int typeWidth, int statusWidth)
+QFont listFont(const QFont& font, int typeWidth, int pictureWidth, int statusWidth)
 {
     return fittingFont(fittingFont(font, displayText(Text::SystemConfigTable),
-                                   typeWidth - listPicturePixels - listMargin),
+                                   typeWidth - pictureWidth - listMargin),
                        displayText(Text::NoCodeComponent), statusWidth - listMargin);
 }
 
@@ -64,9 +64,10 @@ Widget* frmDownload::place(Control control, Widget* widget)
 void frmDownload::makeControls()
 {
     setWindowIcon(frmIcon::picture(QStringLiteral("download")));
+    setScale(*this, fittingScale(*this, {clientWidth, clientHeight}));
     setFixedSize(toPixels({0, 0, clientWidth, clientHeight}, *this).size());
-    setFont(
-        buttonFont(toPixels(positionOf(Control::cmdConfig).place, *this).width() - buttonMargin));
+    setFont(buttonFont(*this, toPixels(positionOf(Control::cmdConfig).place, *this).width() -
+                                  buttonMargin));
 
     chkAccessLevel =
         place(Control::chkAccessLevel, new QCheckBox(tr("Allow Unprotected Upgrade"), this));
@@ -131,7 +132,7 @@ void frmDownload::makeHelpButton()
 {
     cmdHelp = place(Control::cmdHelp, new QPushButton(this));
     cmdHelp->setIcon(frmIcon::picture(QStringLiteral("help")));
-    cmdHelp->setIconSize(QSize(helpPicturePixels, helpPicturePixels));
+    cmdHelp->setIconSize(QSize(helpPicturePixels, helpPicturePixels) * scaleOf(*this));
     connect(cmdHelp, &QPushButton::clicked, this, &frmDownload::askForHelp);
     auto* key = new QShortcut(QKeySequence(Qt::Key_F1), this);
     key->setAutoRepeat(false);
@@ -144,8 +145,8 @@ void frmDownload::makeFrame()
     fraConfiguration = frame;
     QFont textFont = font();
     textFont.setBold(false);
-    QFont titleFont = windowFont();
-    titleFont.setPointSizeF(frameTitlePointSize);
+    QFont titleFont = windowFont(*this);
+    titleFont.setPointSizeF(frameTitlePointSize * scaleOf(*this));
     titleFont.setBold(true);
     frame->setFont(titleFont);
 
@@ -155,9 +156,10 @@ void frmDownload::makeFrame()
     border->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
     ListView1 = place(Control::ListView1, new ConfigurationView(m_window->configurations(), frame));
     border->setGeometry(ListView1->geometry().adjusted(-1, -1, 1, 1));
+    ListView1->setIconSize(QSize(listPicturePixels, listPicturePixels) * scaleOf(*this));
     const auto columns = m_window->configurations().columnWidths(listWidth);
-    ListView1->setFont(listFont(textFont, twipsToPixels(columns[0], logicalDpiX()),
-                                twipsToPixels(columns[2], logicalDpiX())));
+    ListView1->setFont(listFont(textFont, widthInPixels(columns[0], *this),
+                                ListView1->iconSize().width(), widthInPixels(columns[2], *this)));
     ListView1->header()->setFont(textFont);
     cmdSaveDetails =
         makeButton(Control::cmdSaveDetails, tr("&Save Details"), &ButtonOperations::SaveDetails);

@@ -39,7 +39,8 @@ frmReportDialog::frmReportDialog(QWidget* owner)
                    Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     setWindowTitle(tr("Download Failures"));
     setWindowIcon(frmIcon::picture(QStringLiteral("report")));
-    setFont(windowFont());
+    setScale(*this, fittingScale(*this, {designedClient.width, designedClient.height}));
+    setFont(windowFont(*this));
 
     txtReport->setObjectName(QStringLiteral("txtReport"));
     txtReport->setReadOnly(true);
@@ -63,8 +64,9 @@ void frmReportDialog::setReport(const QString& text)
 void frmReportDialog::resizeEvent(QResizeEvent* event)
 {
     QDialog::resizeEvent(event);
-    const int outerWidth = pixelsToTwips(width(), logicalDpiX()) + frameWidth;
-    const int outerHeight = pixelsToTwips(height(), logicalDpiY()) + frameHeight;
+    const double scale = scaleOf(*this);
+    const int outerWidth = qRound(width() * 1440 / (scale * logicalDpiX())) + frameWidth;
+    const int outerHeight = qRound(height() * 1440 / (scale * logicalDpiY())) + frameHeight;
     cmdOk->setGeometry(toPixels(okButton(outerWidth, outerHeight), *this));
     txtReport->setGeometry(toPixels(reportBox(outerWidth, outerHeight), *this));
 }

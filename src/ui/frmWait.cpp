@@ -2,13 +2,11 @@
 
 #include "ui/FittingFont.h"
 #include "ui/Twips.h"
+#include "ui/desktop/Transient.h"
 #include "ui/frmIcon.h"
 
-#include <QApplication>
 #include <QLabel>
 #include <QPushButton>
-#include <QScreen>
-#include <QWindow>
 
 #include <utility>
 
@@ -30,7 +28,8 @@ frmWait::frmWait(const QString& title) : m_title(title), lblMessage(new QLabel(t
                    Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);
     setAttribute(Qt::WA_QuitOnClose, false);
     setWindowIcon(frmIcon::picture(QStringLiteral("wait")));
-    setFont(windowFont());
+    setScale(*this, fittingScale(*this, {client.width, client.height}));
+    setFont(windowFont(*this));
     setFixedSize(toPixels(client, *this).size());
 
     lblMessage->setObjectName(QStringLiteral("lblMessage"));
@@ -54,12 +53,10 @@ void frmWait::Show()
 {
     setWindowTitle(m_title);
     m_cancelled = false;
-    // Above the window at work, which keeps it out of the task bar too, but in the middle of the
-    // screen.
-    winId();
-    if (const QWidget* owner = QApplication::activeWindow(); owner != nullptr && owner != this)
-        windowHandle()->setTransientParent(owner->windowHandle());
-    move(screen()->availableGeometry().center() - rect().center());
+    // Above the window at work, but in the middle of the screen.
+    keepAboveMainWindow(*this);
+    keepOffTaskBar(*this);
+    centre(*this);
     show();
 }
 

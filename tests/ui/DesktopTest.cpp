@@ -71,8 +71,13 @@ TEST(FileDialogsTest, SavingAsksBeforeAFileIsReplacedAndCancelIsAnAnswer)
     QMetaObject::invokeMethod(dialog, "accept");
     EXPECT_TRUE(dialog->isVisible());
     EXPECT_NE(dialog->findChild<QMessageBox*>(), nullptr) << "told in the dialog";
-    dialog->reject();
+    bool opened = false;
+    dialogs.chooseFilesToOpen({QString(), QString::fromUtf16(filter)},
+                              [&](const auto&) { opened = true; });
+    EXPECT_FALSE(dialog->isVisible()) << "a download that waits for its files must get an answer";
     EXPECT_TRUE(QTest::qWaitFor([&] { return cancelled; }));
+    shownDialog()->reject();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return opened; }));
 }
 
 TEST(HelpViewerTest, ContentsAndTopicAreOneStartOfTheViewer)

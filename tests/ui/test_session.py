@@ -12,7 +12,7 @@ from desktop import MISSING, Desktop, wait_for  # noqa: E402
 from workbench import Workbench  # noqa: E402
 
 # Pixels in the main window: the middle of a row's text, the list's first row being number 1.
-LIST_X, LIST_Y, ROW = 130, 99, 18
+LIST_X, LIST_Y, ROW = 130, 100, 20
 
 
 class Session:

@@ -62,17 +62,13 @@ QString endingOf(const QString& nameFilter)
     return single.match(nameFilter).captured(1);
 }
 
-// Where one is open already it comes to the front.
-bool anotherIsOpen()
+QFileDialog* openDialog()
 {
     for (QWidget* each : QApplication::topLevelWidgets()) {
-        if (each->objectName() != dialogName || !each->isVisible())
-            continue;
-        each->raise();
-        each->activateWindow();
-        return true;
+        if (each->objectName() == dialogName && each->isVisible())
+            return qobject_cast<QFileDialog*>(each);
     }
-    return false;
+    return nullptr;
 }
 
 void ask(QFileDialog* dialog, const FileQuestion& question, IFileDialogs::Answer answer)
@@ -112,8 +108,8 @@ QStringList nameFilters(const QString& filter)
 
 void FileDialogs::chooseFilesToOpen(const FileQuestion& question, Answer answer)
 {
-    if (anotherIsOpen())
-        return;
+    if (QFileDialog* another = openDialog())
+        another->reject();
     auto* dialog = new QFileDialog(ownerWindow(), QFileDialog::tr("Open"));
     dialog->setFileMode(QFileDialog::ExistingFiles);
     ask(dialog, question, std::move(answer));
@@ -121,8 +117,11 @@ void FileDialogs::chooseFilesToOpen(const FileQuestion& question, Answer answer)
 
 void FileDialogs::chooseFileToSave(const FileQuestion& question, Answer answer)
 {
-    if (anotherIsOpen())
+    if (QFileDialog* another = openDialog()) {
+        another->raise();
+        another->activateWindow();
         return;
+    }
     auto* dialog = new SaveDialog(ownerWindow(), QFileDialog::tr("Save As"));
     dialog->setAcceptMode(QFileDialog::AcceptSave);
     dialog->setFileMode(QFileDialog::AnyFile);
