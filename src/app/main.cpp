@@ -1,5 +1,6 @@
 #include "app/Program.h"
 #include "platform/PlatformFailure.h"
+#include "platform/qt/display/EnglishOnly.h"
 #include "platform/qt/display/MessageChooser.h"
 #include "platform/qt/display/QtPlatformChoice.h"
 
@@ -31,6 +32,7 @@ int run(const QString& commandLine)
 int main(int argc, char** argv)
 {
     try {
+        fldc::speakEnglishOnly();
         fldc::chooseQtPlatform();
         const QApplication application(argc, argv);
         return run(QCoreApplication::arguments().sliced(1).join(u' '));

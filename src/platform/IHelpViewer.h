@@ -8,7 +8,7 @@ namespace fldc {
 
 /// The viewer of compiled HTML help. Each request returns at once; a file that is missing or can't
 /// be read is reported by the viewer. Throws PlatformFailure, FileNotFound (53) when the machine
-/// has no viewer.
+/// has nothing to show it with.
 class IHelpViewer {
 public:
     virtual ~IHelpViewer() = default;

@@ -104,6 +104,10 @@ void ConfigurationView::refill()
     for (const ConfigurationRow& row : m_list->rows()) {
         auto* item = new QTreeWidgetItem(QStringList(row.texts.begin(), row.texts.end()));
         item->setSizeHint(0, QSize(0, height));
+        const QString details =
+            m_list->hiddenDetails(static_cast<std::size_t>(topLevelItemCount()));
+        for (int column = 0; !details.isEmpty() && column < columnCount(); ++column)
+            item->setToolTip(column, details);
         addTopLevelItem(item);
     }
     showMarks();

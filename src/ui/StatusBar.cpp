@@ -2,6 +2,7 @@
 
 #include "ui/Twips.h"
 
+#include <QLayout>
 #include <QPainter>
 #include <QStyle>
 
@@ -38,7 +39,8 @@ void StatusPanel::showText(const QString& newText)
 
 QRect StatusPanel::textRect() const
 {
-    return contentsRect().adjusted(panelMargin, 0, -panelMargin, 0);
+    // The whole height: some fonts need it.
+    return rect().adjusted(frameWidth() + panelMargin, 0, -frameWidth() - panelMargin, 0);
 }
 
 QString StatusPanel::fittingText() const
@@ -61,9 +63,9 @@ void StatusPanel::resizeEvent(QResizeEvent* event)
 }
 
 StatusBar::StatusBar(QWidget* parent)
-    : QStatusBar(parent), m_tag(addPanel(QStringLiteral("panelTag"), tr("Tag"))),
-      m_status(addPanel(QStringLiteral("panelStatus"), tr("Status"))),
-      m_baud(addPanel(QStringLiteral("panelBaud"), tr("Link speed")))
+    : QStatusBar(parent), m_tag(addPanel(QStringLiteral("panelTag"))),
+      m_status(addPanel(QStringLiteral("panelStatus"))),
+      m_baud(addPanel(QStringLiteral("panelBaud")))
 {
     setSizeGripEnabled(false);
     setStyleSheet(QStringLiteral("QStatusBar::item { border: none; }"));
@@ -74,12 +76,23 @@ StatusBar::StatusBar(QWidget* parent)
     m_baud->setFixedWidth(widthInPixels(baudWidth, *this));
 }
 
-StatusPanel* StatusBar::addPanel(const QString& name, const QString& accessibleName)
+// A name for screen readers would be read instead of the text.
+StatusPanel* StatusBar::addPanel(const QString& name)
 {
     auto* panel = new StatusPanel(this);
     panel->setObjectName(name);
-    panel->setAccessibleName(accessibleName);
     return panel;
+}
+
+// The toolkit leaves room above and below, which a line of text needs itself.
+void StatusBar::resizeEvent(QResizeEvent* event)
+{
+    for (int i = 0; i < layout()->count(); ++i) {
+        if (QSpacerItem* room = layout()->itemAt(i)->spacerItem())
+            room->changeSize(0, 0);
+    }
+    layout()->invalidate();
+    QStatusBar::resizeEvent(event);
 }
 
 void StatusBar::showTag(const QString& text)

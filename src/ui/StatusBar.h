@@ -37,8 +37,11 @@ public:
     void showStatus(const QString& text) { m_status->showText(text); }
     void showBaud(const QString& text) { m_baud->showText(text); }
 
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
 private:
-    [[nodiscard]] StatusPanel* addPanel(const QString& name, const QString& accessibleName);
+    [[nodiscard]] StatusPanel* addPanel(const QString& name);
 
     StatusPanel* m_tag;
     StatusPanel* m_status;

@@ -140,12 +140,21 @@ void frmDownload::windowChanged(WindowPart part)
     case WindowPart::Progress:
         return prgDownloadProgress->setValue(m_window->progress());
     case WindowPart::Configurations:
+        showErasable();
         return ListView1->refill();
     case WindowPart::Marks:
+        showErasable();
         return ListView1->showMarks();
     case WindowPart::Controls:
         return showEnabled();
     }
+}
+
+void frmDownload::showErasable()
+{
+    const QStringList marked = m_window->configurations().markedNames();
+    cmdErase->setToolTip(marked.isEmpty() ? tr("Erase the components that are ticked in the list")
+                                          : tr("Erase %1").arg(marked.join(QStringLiteral(", "))));
 }
 
 void frmDownload::showPorts()

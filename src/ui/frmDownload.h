@@ -81,6 +81,7 @@ private:
     void showPorts();
     void showBaudRate();
     void showEnabled();
+    void showErasable();
     void placeOnScreen();
 
     DownloadWindow* m_window; ///< null once the window has let go of this view

@@ -75,6 +75,12 @@ void frmDownload::makeControls()
                           chkAccessLevel->style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing);
     chkAccessLevel->setFont(
         fittingFont(font(), chkAccessLevel->text(), chkAccessLevel->width() - indicator - 2));
+    // The box itself does not shrink with the window.
+    const int missing = chkAccessLevel->style()->pixelMetric(QStyle::PM_IndicatorHeight) + 2 -
+                        chkAccessLevel->height();
+    if (missing > 0)
+        chkAccessLevel->setGeometry(
+            chkAccessLevel->geometry().adjusted(0, -missing / 2, 0, missing - missing / 2));
     chkAccessLevel->setVisible(m_window->accessLevelVisible());
 
     QLabel* portLabel = makeLabel(Control::Label1, tr("Port"));
@@ -191,7 +197,6 @@ void frmDownload::describeControls()
                                   "download or erasure; it then needs a hard reset"));
     cboBaudRate->setToolTip(tr("Fastest link speed to try for a download; Auto starts at 115200"));
     cmdConfig->setToolTip(tr("Read the list of the radio's components"));
-    cmdErase->setToolTip(tr("Erase the components that are ticked in the list"));
     cmdDownload->setToolTip(tr("Choose firmware files and write them into the radio; files can "
                                "also be dropped on this window"));
     cmdHelp->setToolTip(tr("Help (F1)"));

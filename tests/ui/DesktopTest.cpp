@@ -3,6 +3,7 @@
 #include "platform/qt/display/HelpViewer.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -12,6 +13,8 @@
 #include <QTest>
 
 #include <gtest/gtest.h>
+
+#include <sys/stat.h>
 
 namespace fldc {
 namespace {
@@ -85,7 +88,11 @@ TEST(HelpViewerTest, ContentsAndTopicAreOneStartOfTheViewer)
     const QTemporaryDir folder;
     const QByteArray path = qgetenv("PATH");
     qputenv("PATH", folder.path().toLocal8Bit());
-    HelpViewer viewer;
+    QUrl page;
+    HelpViewer viewer([&](const QUrl& url) {
+        page = url;
+        return !url.isEmpty();
+    });
     try {
         viewer.displayContents(QStringLiteral("C:\\book.chm"));
         ADD_FAILURE() << "there is no viewer";
@@ -93,10 +100,20 @@ TEST(HelpViewerTest, ContentsAndTopicAreOneStartOfTheViewer)
         EXPECT_EQ(failure.number(), 53);
     }
 
+    ASSERT_TRUE(QDir(folder.path()).mkdir(QStringLiteral("book")));
+    ASSERT_TRUE(
+        QFile(folder.filePath(QStringLiteral("book/index.html"))).open(QIODevice::WriteOnly));
+    viewer.displayContents(folder.filePath(QStringLiteral("book.chm")));
+    viewer.displayTopic(0, folder.filePath(QStringLiteral("book.chm")), 2368);
+    EXPECT_EQ(page, QUrl::fromLocalFile(folder.filePath(QStringLiteral("book/window.html"))));
+
     const QString arguments = folder.filePath(QStringLiteral("arguments"));
+    const QString gate = folder.filePath(QStringLiteral("gate"));
+    ASSERT_EQ(::mkfifo(gate.toLocal8Bit().constData(), 0600), 0);
     QFile program(folder.filePath(QStringLiteral("xchm")));
     ASSERT_TRUE(program.open(QIODevice::WriteOnly));
-    program.write("#!/bin/sh\necho \"$@\" >>" + arguments.toLocal8Bit() + "\n");
+    program.write("#!/bin/sh\necho \"$@\" >>" + arguments.toLocal8Bit() + "\nread line <" +
+                  gate.toLocal8Bit() + "\n");
     program.setPermissions(QFile::ReadOwner | QFile::ExeOwner);
     program.close();
     viewer.displayContents(QStringLiteral("\\help\\my book.chm"));
@@ -106,7 +123,11 @@ TEST(HelpViewerTest, ContentsAndTopicAreOneStartOfTheViewer)
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     };
     EXPECT_TRUE(QTest::qWaitFor([&] { return !started().isEmpty(); }));
-    EXPECT_EQ(started(), "-c 2368 /help/my book.chm\n");
+    viewer.displayContents(QStringLiteral("\\help\\my book.chm"));
+    QTest::qWait(50);
+    EXPECT_EQ(started(), "-c 2368 /help/my book.chm\n") << "one viewer while it lives";
+    QFile open(gate);
+    EXPECT_TRUE(open.open(QIODevice::WriteOnly));
     qputenv("PATH", path);
 }
 

@@ -57,7 +57,8 @@ void ConfigurationList::fill(const colConfigurations& configurations, bool blnF1
             {{each->ComponentType(), each->ProductID(), session::StatusText(each->Status()),
               ConvertTargetHW(each->HardwareString()), QString::number(each->NetWorkID())},
              each->Status() != 0,
-             each->blnCanBeErased() ? RowMark::Erasable : RowMark::None});
+             each->blnCanBeErased() ? RowMark::Erasable : RowMark::None,
+             each->DeviceID()});
     }
 }
 
@@ -83,6 +84,26 @@ void ConfigurationList::toggleMark(std::size_t index)
 bool ConfigurationList::anyMarked() const
 {
     return std::ranges::find(m_rows, RowMark::Marked, &ConfigurationRow::mark) != m_rows.end();
+}
+
+QStringList ConfigurationList::markedNames() const
+{
+    QStringList names;
+    for (const ConfigurationRow& row : m_rows) {
+        if (row.mark == RowMark::Marked)
+            names.append(row.texts[0] + u' ' + row.texts[1]);
+    }
+    return names;
+}
+
+QString ConfigurationList::hiddenDetails(std::size_t index) const
+{
+    if (m_layout == Layout::AllColumns)
+        return {};
+    const ConfigurationRow& row = m_rows.at(index);
+    return QStringLiteral("Target hardware: %1\nNetwork: %2\nDevice: %3")
+        .arg(row.texts[3].isEmpty() ? QStringLiteral("none reported") : row.texts[3], row.texts[4])
+        .arg(row.device);
 }
 
 QString ConfigurationList::eraseList() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <array>
 #include <cstdint>
@@ -17,6 +18,7 @@ struct ConfigurationRow {
     std::array<QString, 5> texts; ///< one per column
     bool statusIsFault = false;   ///< shown in red
     RowMark mark = RowMark::None;
+    std::int32_t device = 0; ///< has no column
 };
 
 /// The rows of the configuration list, in the order of the radio's configurations: row n (from 1)
@@ -40,6 +42,11 @@ public:
     /// Marks or unmarks the row at @p index (from 0); one that can't be erased does not change.
     void toggleMark(std::size_t index);
     [[nodiscard]] bool anyMarked() const;
+    /// Type and code of each marked row.
+    [[nodiscard]] QStringList markedNames() const;
+    /// What the row at @p index (from 0) holds in columns that are hidden, and its device; empty
+    /// when all columns are shown.
+    [[nodiscard]] QString hiddenDetails(std::size_t index) const;
     /// Positions of the marked rows, from 1, each followed by "|": "2|5|".
     [[nodiscard]] QString eraseList() const;
 
