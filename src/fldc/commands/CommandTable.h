@@ -18,6 +18,7 @@ namespace fldc::cli {
 [[nodiscard]] Outcome runReport(Context& context);
 [[nodiscard]] Outcome runCheck(Context& context);
 [[nodiscard]] Outcome runDownload(Context& context);
+[[nodiscard]] Outcome runGang(Context& context);
 [[nodiscard]] Outcome runErase(Context& context);
 [[nodiscard]] Outcome runRestart(Context& context);
 [[nodiscard]] Outcome runLinkTest(Context& context);

@@ -9,8 +9,6 @@
 #include "fldc/radio/RadioRun.h"
 #include "fldc/radio/Verdict.h"
 
-#include <algorithm>
-
 namespace fldc::cli {
 
 using namespace Qt::StringLiterals;
@@ -27,15 +25,6 @@ QHash<QString, std::int32_t> filesOfImages(const LoadedFirmware& firmware)
             numbers.insert(image->Name(), number);
     }
     return numbers;
-}
-
-std::optional<Outcome> refuseFpga(const Context& context, const LoadedFirmware& firmware)
-{
-    const auto isFpga = [](const auto& image) { return image->isFpgaImage(); };
-    if (context.options.allowFpga || std::ranges::none_of(firmware.images->items(), isFpga))
-        return std::nullopt;
-    return usageError(u"A file holds an FPGA image, which may damage the radio."_s,
-                      u"Read the release notes; then allow it with --allow-fpga."_s);
 }
 
 QString fileList(const Context& context)

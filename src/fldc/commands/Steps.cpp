@@ -49,4 +49,13 @@ Outcome notValid(const std::vector<FirmwareFile>& files)
                        : u"Get the file anew from where it came from."_s);
 }
 
+std::optional<Outcome> refuseFpga(const Context& context, const LoadedFirmware& firmware)
+{
+    const auto isFpga = [](const auto& image) { return image->isFpgaImage(); };
+    if (context.options.allowFpga || std::ranges::none_of(firmware.images->items(), isFpga))
+        return std::nullopt;
+    return usageError(u"A file holds an FPGA image, which may damage the radio."_s,
+                      u"Read the release notes; then allow it with --allow-fpga."_s);
+}
+
 } // namespace fldc::cli

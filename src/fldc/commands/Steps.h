@@ -34,6 +34,10 @@ struct LoadedFirmware {
 [[nodiscard]] std::optional<Outcome> loadFirmware(Context& context, Compression compression,
                                                   LoadedFirmware& firmware);
 
+/// Exit code 1 for an FPGA image without --allow-fpga.
+[[nodiscard]] std::optional<Outcome> refuseFpga(const Context& context,
+                                                const LoadedFirmware& firmware);
+
 /// The outcome for files that are not valid: the first of them, and the code of the last.
 [[nodiscard]] Outcome notValid(const std::vector<FirmwareFile>& files);
 

@@ -64,7 +64,7 @@ void unmark(Options& options)
         unmark(*value);
     for (auto* value : {&options.unit, &options.job})
         unmark(*value);
-    for (auto* values : {&options.files, &options.components})
+    for (auto* values : {&options.files, &options.components, &options.ports})
         std::ranges::for_each(*values, [](std::string& value) { unmark(value); });
 }
 

@@ -89,6 +89,19 @@ void addDownload(CLI::App& command, Options& options)
         ->type_name("DIR");
 }
 
+void addGang(CLI::App& command, Options& options)
+{
+    CLI::Option* ports =
+        command.add_option("--port", options.ports, portHelp)->type_name("PORT")->expected(1);
+    ports->take_all();
+    command.add_flag("--all", options.allPorts, "All ports that are free")->excludes(ports);
+    command.add_flag("--repeat", options.repeat,
+                     "Start the next radio by itself when it is plugged in place of one that is "
+                     "done; until it is ended");
+    command.add_flag("--prompt-unit", options.promptUnit,
+                     "Read the name of each unit from standard input (a barcode reader)");
+}
+
 void addRounds(CLI::App& command, Options& options)
 {
     command.add_option("--rounds", options.rounds, "Exchanges at each speed")

@@ -21,6 +21,7 @@ void addExpectation(CLI::App& command, Options& options);   ///< --expect FILE
 void addComponents(CLI::App& command, Options& options);    ///< COMPONENT...
 void addLogOn(CLI::App& command, Options& options);         ///< of every command that logs on
 void addDownload(CLI::App& command, Options& options);
+void addGang(CLI::App& command, Options& options);   ///< --port P..., --all, --repeat
 void addRounds(CLI::App& command, Options& options); ///< --rounds N
 void addCompression(CLI::App& command, Options& options);
 /// --json, --log and --version, which stand before or behind the command.

@@ -14,6 +14,10 @@ struct Options {
     std::optional<std::string> log; ///< file that both logs are appended to
 
     std::optional<std::string> port; ///< "-" for the variable FLDC_PORT, as a missing PORT
+    std::vector<std::string> ports;  ///< of a gang
+    bool allPorts = false;
+    bool repeat = false;
+    bool promptUnit = false;
     std::vector<std::string> files;
     std::vector<std::string> components;
 

@@ -46,6 +46,10 @@ inline constexpr ObjectKind result{
     "result", "command ok exit code message advice radio seconds written? not_matched? "
               "confirmed? baud? retries? wire_bytes? best?"};
 
+inline constexpr ObjectKind unitResult{
+    "unit-result", "port command ok exit code message advice radio seconds written? not_matched? "
+                   "confirmed? baud? retries? wire_bytes?"};
+
 inline constexpr ObjectKind file{"file", "path sha256 bytes valid errors images"};
 inline constexpr ObjectKind fileError{"file.errors", "line reason expected? found?"};
 inline constexpr ObjectKind image{"file.images", "tag unit_bits boot_application targets tables"};
@@ -97,6 +101,7 @@ inline constexpr std::array objectKinds{
     kind::powerCycleRequired,
     kind::restarted,
     kind::result,
+    kind::unitResult,
     kind::file,
     kind::fileError,
     kind::image,

@@ -14,7 +14,18 @@ namespace {
 
 constexpr int barWidth = 24;
 
-QString bar(std::int32_t percent)
+QString figures(const Progress& progress)
+{
+    QString text = u"%1 %  %2 B/s"_s.arg(progress.percent, 3)
+                       .arg(static_cast<qint64>(std::llround(progress.bytesPerSecond)), 6);
+    if (progress.secondsLeft)
+        text += u"  "_s + timeText(*progress.secondsLeft) + u" left"_s;
+    return text + u"  %1 baud"_s.arg(progress.baud);
+}
+
+} // namespace
+
+QString barText(std::int32_t percent)
 {
     const int filled = std::clamp(percent, 0, 100) * barWidth / 100;
     return u'[' + QString(filled, u'#') + QString(barWidth - filled, u'.') + u']';
@@ -27,17 +38,6 @@ QString timeText(double seconds)
         return u"%1 s"_s.arg(whole);
     return u"%1 min %2 s"_s.arg(whole / 60).arg(whole % 60, 2, 10, QChar(u'0'));
 }
-
-QString figures(const Progress& progress)
-{
-    QString text = u"%1 %  %2 B/s"_s.arg(progress.percent, 3)
-                       .arg(static_cast<qint64>(std::llround(progress.bytesPerSecond)), 6);
-    if (progress.secondsLeft)
-        text += u"  "_s + timeText(*progress.secondsLeft) + u" left"_s;
-    return text + u"  %1 baud"_s.arg(progress.baud);
-}
-
-} // namespace
 
 QString ProgressView::next(const Progress& progress, int columns)
 {
@@ -54,7 +54,7 @@ QString ProgressView::next(const Progress& progress, int columns)
     }
     const QString before = begins ? end() : QString();
     m_lineOpen = true;
-    const QString line = file + u"  "_s + bar(progress.percent) + u' ' + figures(progress);
+    const QString line = file + u"  "_s + barText(progress.percent) + u' ' + figures(progress);
     // A line that fills the terminal would wrap, and could not be drawn over.
     return before + u"\r\x1b[K"_s + line.left(columns - 1);
 }

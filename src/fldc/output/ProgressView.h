@@ -16,6 +16,10 @@ struct Progress {
     std::int32_t baud = 0; ///< of the line
 };
 
+/// "[######......]", and a time as people read it.
+[[nodiscard]] QString barText(std::int32_t percent);
+[[nodiscard]] QString timeText(double seconds);
+
 /// The text that shows progress: on a terminal one line, drawn over again and again; elsewhere a
 /// line for every ten per cent. Holds no descriptor: it hands out what is to be written.
 class ProgressView {

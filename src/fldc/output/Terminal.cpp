@@ -1,5 +1,8 @@
 #include "fldc/output/Terminal.h"
 
+#include <algorithm>
+#include <utility>
+
 #include <sys/ioctl.h>
 
 namespace fldc::cli {
@@ -9,14 +12,17 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int defaultColumns = 80;
+constexpr int defaultRows = 24;
+constexpr int green = 32;
 constexpr int red = 31;
 constexpr int yellow = 33;
 
-int columnsOf(int descriptor)
+winsize sizeOf(int descriptor)
 {
     winsize size{};
-    const bool known = ::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0;
-    return known ? size.ws_col : defaultColumns;
+    const bool known =
+        ::ioctl(descriptor, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 && size.ws_row > 0;
+    return known ? size : winsize{defaultRows, defaultColumns, 0, 0};
 }
 
 } // namespace
@@ -44,12 +50,37 @@ void Terminal::note(const QString& text)
 
 void Terminal::show(const Progress& progress)
 {
-    write(m_progress.next(progress, columnsOf(m_stream.descriptor())));
+    write(m_progress.next(progress, sizeOf(m_stream.descriptor()).ws_col));
+}
+
+void Terminal::showBoard(const std::vector<BoardLine>& lines)
+{
+    if (!m_isCapable || lines.empty())
+        return;
+    const winsize size = sizeOf(m_stream.descriptor());
+    const std::size_t shown = std::min(lines.size(), std::max<std::size_t>(size.ws_row, 2) - 1);
+    QString text = eraseBoard();
+    for (std::size_t i = 0; i < shown; ++i) {
+        const BoardLine& line = i + 1 == shown ? lines.back() : lines[i];
+        const QString fitting = line.text.left(size.ws_col - 1);
+        text += line.tone == BoardLine::Tone::Plain
+                    ? fitting
+                    : coloured(fitting, line.tone == BoardLine::Tone::Good ? green : red);
+        text += u'\n';
+    }
+    m_boardLines = shown;
+    write(text);
+}
+
+QString Terminal::eraseBoard()
+{
+    const std::size_t lines = std::exchange(m_boardLines, 0);
+    return lines == 0 ? QString() : u"\x1b[%1A\x1b[J"_s.arg(lines);
 }
 
 void Terminal::endLine()
 {
-    write(m_progress.end());
+    write(m_progress.end() + eraseBoard());
 }
 
 bool Terminal::finish(int wakeDescriptor, bool isEnding)

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QByteArray>
+#include <QProcess>
+#include <QSocketNotifier>
+#include <QString>
+#include <QStringList>
+
+#include <functional>
+#include <optional>
+
+namespace fldc {
+
+/// Another program, its standard output read by lines. Its standard input and error are nothing's.
+/// It is in a process group of its own: the signals of a terminal reach it only through its owner.
+///
+/// Callbacks come from the event loop and must not throw. The destructor asks the program to end
+/// and waits for that.
+class ChildProcess {
+public:
+    struct Ended {
+        int exitCode = 0;
+        bool crashed = false; ///< ended by a signal, or it could not be started
+        QString failure;      ///< why it could not be started
+    };
+
+    ChildProcess(std::function<void(const QByteArray& line)> onLine,
+                 std::function<void(const Ended&)> onEnd);
+    ~ChildProcess();
+    ChildProcess(const ChildProcess&) = delete;
+    ChildProcess& operator=(const ChildProcess&) = delete;
+
+    void start(const QString& program, const QStringList& arguments);
+    /// SIGTERM.
+    void askToEnd();
+
+private:
+    void readLines();
+
+    QProcess m_process;
+    std::function<void(const QByteArray&)> m_onLine;
+    std::function<void(const Ended&)> m_onEnd;
+};
+
+/// The lines of the program's own standard input as they come.
+class StandardInput {
+public:
+    /// @p onLine: a line without its end; nothing at the end of the input, the last call.
+    explicit StandardInput(std::function<void(const std::optional<QString>&)> onLine);
+
+private:
+    void read();
+
+    std::function<void(const std::optional<QString>&)> m_onLine;
+    QByteArray m_rest;
+    QSocketNotifier m_notifier;
+};
+
+} // namespace fldc

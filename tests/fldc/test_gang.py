@@ -1,0 +1,95 @@
+#!/usr/bin/env python3
+"""fldc gang with several simulated radios. Called with the paths of fldc, the simulator and the samples."""
+
+import json
+import os
+import pathlib
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+PROGRAM, SIMULATOR, SAMPLES = (pathlib.Path(path) for path in sys.argv[1:4])
+APPLICATION = SAMPLES / "rv4200/application.srec"
+
+
+class Gang(unittest.TestCase):
+    def setUp(self):
+        folder = tempfile.TemporaryDirectory(prefix="fldc-")
+        self.addCleanup(folder.cleanup)
+        self.folder = pathlib.Path(folder.name)
+
+    def radio(self, name, *arguments):
+        link = self.folder / name
+        process = subprocess.Popen([SIMULATOR, "--profile", "rv4200", "--link", link, *arguments],
+                                   stdout=subprocess.DEVNULL)
+        self.addCleanup(process.wait)
+        self.addCleanup(process.terminate)
+        while not link.exists():
+            time.sleep(0.01)
+        return process
+
+    def gang(self, *names, options=()):
+        ports = [word for name in names for word in ("--port", self.folder / name)]
+        run = subprocess.Popen([PROGRAM, "--json", "gang", APPLICATION, *ports, "--boot-files", SAMPLES / "boot",
+                                *options], stdin=subprocess.PIPE, stdout=subprocess.PIPE, text=True)
+        self.addCleanup(run.stdout.close)
+        self.addCleanup(run.stdin.close)
+        return run
+
+    def lines(self, run, until=lambda line: False):
+        """The objects of a run, up to one that fits."""
+        objects = []
+        for line in run.stdout:
+            objects.append(json.loads(line))
+            if until(objects[-1]):
+                break
+        return objects
+
+    def test_each_unit_has_its_own_end(self):
+        self.radio("good")
+        self.radio("bad", "--fault", "silent@33")
+        self.radio("killed", "--fault", "silent@33")
+        run = self.gang("good", "bad", "killed", "missing")
+        told = self.lines(run, lambda line: line["type"] == "blocks" and line["port"].endswith("killed"))
+        for child in pathlib.Path(f"/proc/{run.pid}/task/{run.pid}/children").read_text().split():
+            if str(self.folder / "killed") in pathlib.Path(f"/proc/{child}/cmdline").read_text():
+                os.kill(int(child), signal.SIGKILL)
+        told += self.lines(run)
+        results = {line["port"].rsplit("/", 1)[-1]: (line["exit"], line["radio"])
+                   for line in told if line["type"] == "unit-result"}
+        self.assertEqual(results, {"good": (0, "restarted"), "bad": (7, "erased"), "killed": (7, "partly-written"),
+                                   "missing": (4, "untouched")})
+        self.assertEqual((run.wait(), told[-1]["exit"], told[-1]["command"]), (7, 7, "gang"))
+        self.assertEqual(sum(line["type"] == "result" for line in told), 1)
+
+    def test_the_next_radio_starts_by_itself(self):
+        first = self.radio("line")
+        run = self.gang("line", options=("--repeat", "--prompt-unit", "--certificate", self.folder / "out"))
+        run.stdin.write("first\nsecond\n")
+        run.stdin.flush()
+        is_end = lambda line: line["type"] == "unit-result"  # noqa: E731
+        self.assertEqual(self.lines(run, is_end)[-1]["exit"], 0)
+        first.terminate()
+        first.wait()
+        time.sleep(4)  # longer than between two looks
+        self.radio("line")
+        self.assertEqual(self.lines(run, is_end)[-1]["exit"], 0)
+        run.send_signal(signal.SIGINT)
+        self.assertEqual((self.lines(run)[-1]["exit"], run.wait()), (130, 130))
+        units = [json.loads(each.read_text())["unit"] for each in sorted((self.folder / "out").iterdir())]
+        self.assertEqual(units, ["first", "second"])
+
+    def test_what_can_not_be_meant(self):
+        self.radio("a")
+        for options in ((), ("--port", self.folder / "a", "--port", self.folder / ".." / self.folder.name / "a"),
+                        ("--all", "--port", self.folder / "a")):
+            run = self.gang(options=options)
+            self.assertEqual((self.lines(run)[-1]["exit"], run.wait()), (1, 1), options)
+
+
+if __name__ == "__main__":
+    del sys.argv[1:4]
+    unittest.main(verbosity=2)
