@@ -36,6 +36,7 @@ std::vector<BoardLine> boardOf(const std::vector<std::unique_ptr<Unit>>& units,
                                const GangCounts& counts)
 {
     std::vector<BoardLine> lines;
+    lines.reserve(units.size() + 1);
     for (const auto& unit : units)
         lines.push_back(lineOf(*unit));
     const auto running =
