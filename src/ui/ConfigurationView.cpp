@@ -3,12 +3,15 @@
 #include "ui/ControlPositions.h"
 #include "ui/frmIcon.h"
 
+#include <QAccessible>
 #include <QEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPixmap>
 #include <QScopedValueRollback>
+#include <QStyledItemDelegate>
 
 #include <algorithm>
 #include <numeric>
@@ -63,6 +66,39 @@ QColor faultColour(const QPalette& palette)
     return dark ? QColor(255, 128, 128) : QColor(255, 0, 0);
 }
 
+// An exclamation mark, half as wide as a box: colour alone would not be seen by everybody.
+QIcon faultIcon(const QColor& colour)
+{
+    QPixmap mark(largestIconPixels / 2, largestIconPixels);
+    mark.fill(Qt::transparent);
+    QPainter painter(&mark);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    painter.drawRoundedRect(QRect(10, 8, 12, 32), 6, 6);
+    painter.drawEllipse(QRect(10, 46, 12, 12));
+    return mark;
+}
+
+// A box is a picture to the eye and a check state to screen readers.
+class BoxDelegate final : public QStyledItemDelegate {
+public:
+    using QStyledItemDelegate::QStyledItemDelegate;
+
+protected:
+    void initStyleOption(QStyleOptionViewItem* option, const QModelIndex& index) const override
+    {
+        QStyledItemDelegate::initStyleOption(option, index);
+        option->features &= ~QStyleOptionViewItem::HasCheckIndicator;
+    }
+    // The list itself decides what marks a row.
+    bool editorEvent(QEvent* /*event*/, QAbstractItemModel* /*model*/,
+                     const QStyleOptionViewItem& /*option*/, const QModelIndex& /*index*/) override
+    {
+        return false;
+    }
+};
+
 QStringList titles()
 {
     const auto& texts = ConfigurationList::columnTitles();
@@ -84,6 +120,7 @@ ConfigurationView::ConfigurationView(const ConfigurationList& list, QWidget* par
     setSelectionMode(QAbstractItemView::SingleSelection);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
     setIconSize(QSize(iconPixels, iconPixels));
+    setItemDelegate(new BoxDelegate(this));
     header()->setSectionsMovable(false);
     header()->setStretchLastSection(false);
     header()->setMinimumSectionSize(narrowestColumn);
@@ -121,16 +158,36 @@ void ConfigurationView::showMarks()
         const ConfigurationRow& row = m_list->rows().at(static_cast<std::size_t>(i));
         topLevelItem(i)->setIcon(0, markIcon(row.mark));
         topLevelItem(i)->setData(0, Qt::AccessibleTextRole, accessibleText(row));
+        if (row.mark != RowMark::None)
+            showCheckState(i, row.mark == RowMark::Marked ? Qt::Checked : Qt::Unchecked);
     }
+}
+
+// Tells screen readers of a change; their children of the list are its cells behind the titles.
+void ConfigurationView::showCheckState(int row, Qt::CheckState state)
+{
+    QTreeWidgetItem* item = topLevelItem(row);
+    const bool changed =
+        item->data(0, Qt::CheckStateRole).isValid() && item->checkState(0) != state;
+    item->setCheckState(0, state);
+    if (!changed)
+        return;
+    QAccessible::State difference;
+    difference.checked = true;
+    QAccessibleStateChangeEvent event(this, difference);
+    event.setChild((row + 1) * columnCount());
+    QAccessible::updateAccessibility(&event);
 }
 
 void ConfigurationView::applyColours()
 {
     const QColor fault = faultColour(palette());
+    const QIcon mark = faultIcon(fault);
     for (int i = 0; i < topLevelItemCount(); ++i) {
         const ConfigurationRow& row = m_list->rows().at(static_cast<std::size_t>(i));
         topLevelItem(i)->setForeground(statusColumn,
                                        row.statusIsFault ? fault : palette().color(QPalette::Text));
+        topLevelItem(i)->setIcon(statusColumn, row.statusIsFault ? mark : QIcon());
     }
 }
 

@@ -39,6 +39,7 @@ protected:
 private:
     void applyWidths();
     void applyColours();
+    void showCheckState(int row, Qt::CheckState state);
     [[nodiscard]] std::vector<int> ruleWidths() const;
     void rememberWidths();
     void toggle(QTreeWidgetItem* item);

@@ -47,7 +47,8 @@ QFont listFont(const QFont& font, int typeWidth, int pictureWidth, int statusWid
 {
     return fittingFont(fittingFont(font, displayText(Text::SystemConfigTable),
                                    typeWidth - pictureWidth - listMargin),
-                       displayText(Text::NoCodeComponent), statusWidth - listMargin);
+                       displayText(Text::NoCodeComponent),
+                       statusWidth - pictureWidth / 2 - listMargin);
 }
 
 } // namespace

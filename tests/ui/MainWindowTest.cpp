@@ -122,6 +122,8 @@ TEST_F(MainWindowTest, RowsAreMarkedByClickAndSpace)
     EXPECT_NE(cacheKey(0), cacheKey(2));
     EXPECT_EQ(cacheKey(1), cacheKey(4));
     EXPECT_NE(cacheKey(1), cacheKey(2));
+    EXPECT_EQ(list->topLevelItem(4)->checkState(0), Qt::Checked) << "for screen readers";
+    EXPECT_EQ(list->topLevelItem(2)->checkState(0), Qt::Unchecked);
 
     QTest::keyClick(list, Qt::Key_Space);
     EXPECT_EQ(marks(), QStringLiteral("2|"));
@@ -157,6 +159,7 @@ TEST_F(MainWindowTest, AStatusHasItsTextAndAColourThatCanBeRead)
     auto* list = control<QTreeWidget>("ListView1");
     for (const int number : {0, 1, 7}) {
         fill({QStringLiteral("A")}, "0", number);
+        EXPECT_EQ(list->topLevelItem(0)->icon(2).isNull(), number == 0) << "not by colour alone";
         EXPECT_EQ(list->topLevelItem(0)->foreground(2).color(),
                   number == 0 ? QColor(0, 0, 0) : QColor(255, 0, 0));
     }
