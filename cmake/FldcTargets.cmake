@@ -38,11 +38,20 @@ if(FLDC_SANITIZE)
   target_link_options(fldc_settings INTERFACE ${sanitizers})
 endif()
 
+# The fuzzers: clang's libraries, whose warnings are not looked at; the other builds have the compiler
+# that judges them.
+if(FLDC_FUZZ)
+  set(sanitizers -fsanitize=address,undefined,fuzzer-no-link -fno-sanitize-recover=undefined -fno-omit-frame-pointer)
+  target_compile_options(fldc_settings INTERFACE ${sanitizers} -Wno-unknown-warning-option -Wno-error)
+  target_compile_definitions(fldc_settings INTERFACE _GLIBCXX_ASSERTIONS)
+  target_link_options(fldc_settings INTERFACE ${sanitizers})
+endif()
+
 # What makes a fault of memory end the program instead of being used. The optimiser is needed for the
 # checked functions of the C library.
 add_library(fldc_hardening INTERFACE)
 option(FLDC_HARDEN "Hardened executables" ON)
-if(FLDC_HARDEN AND NOT FLDC_SANITIZE)
+if(FLDC_HARDEN AND NOT FLDC_SANITIZE AND NOT FLDC_FUZZ)
   target_compile_options(fldc_hardening INTERFACE -fstack-protector-strong -fstack-clash-protection -fcf-protection)
   target_compile_definitions(fldc_hardening INTERFACE _GLIBCXX_ASSERTIONS
                                                       $<$<NOT:$<CONFIG:Debug>>:_FORTIFY_SOURCE=3>)
