@@ -71,8 +71,12 @@ bool clsProtocol::readReply(IPort& port, milliseconds timeout, bool* terminated)
 {
     strReply = port.ReadBinary(static_cast<std::int16_t>(timeout.count()),
                                QString::fromUtf16(doneWord), terminated);
-    if (!lastError().ok() || CheckReply())
-        return lastError().ok();
+    if (!lastError().ok())
+        return false;
+    // A record of configurations ends the reading too, but confirms no other command.
+    const bool ended = terminated != nullptr || strReply.endsWith(QStringView(doneWord));
+    if (CheckReply() && (ended || fail(Code::UnknownRadioError)))
+        return true;
     if (lastError().code() == Code::UnknownRadioError)
         tellUnreadable(*m_teller, strReply, m_lastFrame);
     return false;

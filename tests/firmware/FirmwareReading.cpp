@@ -67,12 +67,11 @@ std::string describe(const colFiles& images)
     QString text;
     for (const auto& image : images.items()) {
         text += QStringLiteral("%1 '%2' %3 %4/%5")
-                    .arg(image->Name(), image->TagName(),
-                         QString::number(image->intNumberOfBits()), image->strFileType(),
-                         image->strFileTerminator());
+                    .arg(image->Name(), image->TagName())
+                    .arg(image->intNumberOfBits())
+                    .arg(image->strFileType(), image->strFileTerminator());
         for (std::int32_t i = 0; i < image->CountTargets(); ++i)
-            text += QStringLiteral(" <%1:%2>")
-                        .arg(image->Hardware(i), QString::number(image->DeviceID(i)));
+            text += QStringLiteral(" <%1:%2>").arg(image->Hardware(i)).arg(image->DeviceID(i));
         for (std::int32_t i = 0; i < image->Definitiontables()->Count(); ++i) {
             const DataDefinition table = image->Definitiontables()->Item(i);
             text += QStringLiteral(" %1+%2(%3)=%4")

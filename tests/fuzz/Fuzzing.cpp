@@ -2,11 +2,25 @@
 
 #include <QCoreApplication>
 
+#include <cstdlib>
+
+namespace {
+
+struct Ender : testing::EmptyTestEventListener {
+    void OnTestPartResult(const testing::TestPartResult& result) override
+    {
+        if (result.failed())
+            std::abort();
+    }
+};
+
+} // namespace
+
 // Called once, before the first input.
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv)
 {
     static const QCoreApplication application(*argc, *argv);
-    testing::GTEST_FLAG(break_on_failure) = true;
+    testing::UnitTest::GetInstance()->listeners().Append(new Ender);
     qInstallMessageHandler([](QtMsgType type, const QMessageLogContext&, const QString& text) {
         if (type != QtDebugMsg && type != QtInfoMsg)
             ADD_FAILURE() << qPrintable(text);

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-// What the fuzzers have in common. Each defines LLVMFuzzerTestOneInput; an EXPECT that fails ends it
-// as a crash does, and libFuzzer keeps the input.
+// What the fuzzers have in common. Each defines LLVMFuzzerTestOneInput; an EXPECT that fails ends
+// it as a crash does, and libFuzzer keeps the input.
 
 namespace fldc {
 

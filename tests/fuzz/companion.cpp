@@ -71,16 +71,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         while (fuzz.remaining_bytes() > 0)
             arguments.push_back(fuzz.ConsumeRandomLengthString(40));
         const CommandLine line = readCommandLine(arguments);
-        EXPECT_EQ((line.command != nullptr && !line.error) + !line.text.isEmpty() + line.error.has_value(), 1);
+        EXPECT_EQ((line.command != nullptr && !line.error) + !line.text.isEmpty() +
+                      line.error.has_value(),
+                  1);
         return 0;
     }
     static const std::array<std::string, 3> commands{"inspect", "plan", "certificate"};
-    std::vector<std::string> arguments{"--json", commands[command], folder.filePath(QStringLiteral("f")).toStdString()};
+    std::vector<std::string> arguments{"--json", commands[command],
+                                       folder.filePath(QStringLiteral("f")).toStdString()};
     if (command < 2 && fuzz.ConsumeBool())
         arguments.insert(arguments.end(), {"--compression", "best"});
     QFile file(QString::fromStdString(arguments[2]));
     const std::string content = fuzz.ConsumeRemainingBytesAsString();
-    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content.data(), static_cast<qint64>(content.size())) >= 0);
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) &&
+                file.write(content.data(), static_cast<qint64>(content.size())) >= 0);
     file.close();
     runOn(arguments);
     return 0;

@@ -41,10 +41,7 @@ public:
         return std::make_shared<DownloadWindow>(m_platform, nullptr);
     }
     [[nodiscard]] std::unique_ptr<IWaitDialog> createWaitDialog() override { return nullptr; }
-    void onEvent(const session::Event& event) noexcept override
-    {
-        radio = fold(radio, event);
-    }
+    void onEvent(const session::Event& event) noexcept override { radio = fold(radio, event); }
 
     session::Radio radio;
 
@@ -128,19 +125,20 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     FuzzedDataProvider fuzz(bytes, size);
     FuzzedMachine all(fuzz);
     VirtualPlatform& machine = all.machine;
-    FuzzedLine& line = *all.lines.line;
+    FuzzedLine& line = *all.line;
     machine.settings.values[QStringLiteral("Debug")] = QStringLiteral("True");
     auto& files = machine.files.files;
     files[QStringLiteral("C:\\Tools\\") + bootFileFor(u"RVKB1*")].content = firmware("BOOT", "");
-    files[QStringLiteral("a")].content = firmware("JHA2F", "MD \"RVKB1\",0\n");
-    files[QStringLiteral("b")].content = firmware("JHA2G", "");
+    files[QStringLiteral("fw\\a")].content = firmware("JHA2F", "MD \"RVKB1\",0\n");
+    files[QStringLiteral("fw\\b")].content = firmware("JHA2G", "");
     Surroundings surroundings(all.platform);
-    clsDLManager manager(all.platform, surroundings, surroundings);
+    auto owner = std::make_unique<clsDLManager>(all.platform, surroundings, surroundings);
+    clsDLManager& manager = *owner;
     manager.addListener(surroundings);
-    EXPECT_EQ(manager.LoadFilesEx(QStringLiteral("a"), QStringLiteral(",")), 0);
+    EXPECT_EQ(manager.LoadFilesEx(QStringLiteral("fw,a"), QStringLiteral(",")), 0);
     std::size_t sent = SIZE_MAX; // before a cancellation
     if (fuzz.ConsumeIntegralInRange(0, 3) == 0) {
-        machine.time.after(VirtualTime::milliseconds(fuzz.ConsumeIntegralInRange(0, 60'000)), [&] {
+        machine.time.after(milliseconds(fuzz.ConsumeIntegralInRange(0, 60'000)), [&] {
             if (line.faultless)
                 return;
             manager.cancelOperation();
@@ -158,7 +156,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     const State state = stateOf(surroundings.radio);
     if (confirmed.mayHaveErased)
         EXPECT_TRUE(std::set({State::Erased, State::PartlyWritten, State::Written, State::Locked,
-                              State::Restarted}).contains(state));
+                              State::Restarted})
+                        .contains(state));
     if (isDownload && (state == State::Locked || state == State::Restarted))
         EXPECT_FALSE(confirmed.begun && confirmed.mayHaveErased);
     if (isDownload && result == 0)
@@ -166,13 +165,14 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
 
     line.repair();
     line.writes.clear();
-    EXPECT_EQ(manager.LoadFilesEx(QStringLiteral("a,b"), QStringLiteral(",")), 0);
+    EXPECT_EQ(manager.LoadFilesEx(QStringLiteral("fw,a,b"), QStringLiteral(",")), 0);
     QString text;
     EXPECT_EQ(manager.DownLoad(text), 0);
     EXPECT_EQ(Confirmed(line.writes).images, 3);
     EXPECT_EQ(stateOf(surroundings.radio), State::Restarted);
     EXPECT_FALSE(line.portOpen());
     EXPECT_EQ(machine.time.timersRunning(), 0);
+    owner.reset();
     for (const auto& [path, file] : files)
         EXPECT_EQ(file.content.count("START LOG"), file.content.count("END LOG"));
     return 0;

@@ -1,8 +1,8 @@
 // Logs that the simulated radio plays, and its faults as they stand on its command line.
 
+#include "replay/Recording.h"
 #include "Fuzzing.h"
 #include "device/Faults.h"
-#include "replay/Recording.h"
 
 #include <sstream>
 
@@ -31,7 +31,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         std::istringstream lines(text);
         for (std::string each; std::getline(lines, each);) {
             const auto at = each.find("  Sent     : ");
-            if (at == std::string::npos || at == 0 || std::isdigit(static_cast<unsigned char>(each[at - 1])) == 0)
+            if (at == std::string::npos || at == 0 ||
+                std::isdigit(static_cast<unsigned char>(each[at - 1])) == 0)
                 continue;
             each = each.substr(at + 13);
             each.erase(each.find_last_not_of('\r') + 1);

@@ -112,6 +112,7 @@ INSTANTIATE_TEST_SUITE_P(Replies, Conversations, testing::ValuesIn(std::vector<C
     {closeTunnels, FRAME "< 81 0B AF AF", 8111}, {closeTunnels, FRAME "< 81 0C AF AF", 8112},
     {closeTunnels, FRAME "< 81 0D AF AF", 51}, {closeTunnels, FRAME "< 81 0E AF AF", 0},
     {closeTunnels, FRAME "< 81 0F AF AF", 8113}, {closeTunnels, FRAME "< 13 37 AF AF", 51},
+    {closeTunnels, FRAME "< 43 00 BC FF", 51}, // a record of configurations confirms nothing else
     // Faults that a repeat may cure: three attempts in all, and no fourth.
     {closeTunnels, FRAME "< 80 02 AF AF\n" FRAME "< 80 02 AF AF\n" FRAME "< 80 02 AF AF", 55},
     {closeTunnels, FRAME "< 80 01 AF AF\n" FRAME "< 80 03 AF AF\n" FRAME "< AF AF", 0},

@@ -28,13 +28,14 @@ struct Place {
     qsizetype line = -1;  ///< of a new line: behind the header of the general section; -1: none
     qsizetype value = -1; ///< -1: the key is not there
     qsizetype valueEnd = -1;
+    bool endsQuoted = false; ///< the file ends between quotes: nothing behind it would be read
 };
 
 /// Reads one entry as QSettings does: quotes keep line ends and semicolons from ending it, a
 /// backslash keeps the character behind it. @p equals: of the first "=" outside quotes, or -1.
-qsizetype endOfEntry(QByteArrayView bytes, qsizetype at, qsizetype& equals)
+qsizetype endOfEntry(QByteArrayView bytes, qsizetype at, qsizetype& equals, bool& quoted)
 {
-    bool quoted = false;
+    quoted = false;
     equals = -1;
     for (; at < bytes.size(); ++at) {
         const char character = bytes[at];
@@ -71,7 +72,7 @@ Place placeOf(QByteArrayView bytes, const QByteArray& name)
             continue;
         }
         qsizetype equals = -1;
-        const qsizetype end = endOfEntry(bytes, at, equals);
+        const qsizetype end = endOfEntry(bytes, at, equals, place.endsQuoted);
         const QByteArray entry = bytes.sliced(at, end - at).trimmed().toByteArray();
         if (entry.startsWith('[')) {
             general = entry.left(entry.indexOf(']')).mid(1).trimmed().toLower() == "general";
@@ -116,6 +117,8 @@ QByteArray withValue(const QByteArray& before, const QByteArray& name, const QBy
         const bool open = !before.left(place.line).endsWith('\n');
         return after.insert(place.line, (open ? lineEnd : QByteArray()) + line);
     }
+    if (place.endsQuoted)
+        return "[General]" + lineEnd + line + lineEnd + before;
     if (!after.isEmpty())
         after += after.endsWith('\n') ? lineEnd : lineEnd + lineEnd;
     return after + "[General]" + lineEnd + line;
