@@ -32,7 +32,7 @@ QVariant anyValue(FuzzedDataProvider& fuzz, QChar signature)
     const auto number = fuzz.ConsumeBool() ? fuzz.ConsumeIntegral<qint64>()
                                            : fuzz.ConsumeIntegralInRange<qint64>(-2, 5);
     const QString text = QString::fromStdString(fuzz.ConsumeRandomLengthString(40));
-    const QDBusObjectPath path(QStringLiteral("/%1").arg(number));
+    const QDBusObjectPath path(QStringLiteral("/%1").arg(static_cast<quint32>(number)));
     const std::pair<char16_t, QVariant> values[]{
         {u'n', QVariant::fromValue(static_cast<qint16>(number))},
         {u'i', static_cast<qint32>(number)},
