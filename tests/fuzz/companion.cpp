@@ -1,62 +1,35 @@
-// fldc: its command line, and files for the commands that need no radio. Whatever they hold, JSON
-// comes out, its last line is the result, and the program is never surprised.
+// fldc: its command line, and files for the commands that need no radio. Whatever they hold, the
+// program is never surprised (exit code 10).
 
 #include "Fuzzing.h"
 #include "fldc/Program.h"
 #include "fldc/process/StandardDescriptors.h"
 
 #include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include <array>
-#include <sys/mman.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 using namespace fldc;
 using namespace fldc::cli;
 
 namespace {
 
-/// Standard output goes to a file in memory, standard error nowhere.
-class Outputs {
-public:
-    Outputs()
-    {
-        ::ftruncate(m_file, 0);
-        ::lseek(m_file, 0, SEEK_SET);
-        ::dup2(m_file, 1);
-        ::dup2(m_nowhere, 2);
-    }
-    QByteArray end()
-    {
-        ::dup2(m_before[0], 1);
-        ::dup2(m_before[1], 2);
-        QFile file;
-        EXPECT_TRUE(file.open(m_file, QIODevice::ReadOnly) && file.seek(0));
-        return file.readAll();
-    }
-
-private:
-    static inline const int m_file = ::memfd_create("output", 0);
-    static inline const int m_nowhere = ::open("/dev/null", O_WRONLY);
-    static inline const std::array m_before{::dup(1), ::dup(2)};
-};
-
-void runOn(const std::vector<std::string>& arguments)
+// Runs the program with both outputs going nowhere; returns its exit code.
+int silently(const std::vector<std::string>& arguments)
 {
-    Outputs outputs;
+    static const int nowhere = ::open("/dev/null", O_WRONLY);
+    static const std::array before{::dup(1), ::dup(2)};
+    ::dup2(nowhere, 1);
+    ::dup2(nowhere, 2);
     HeldSignals held;
     const int code = Program(arguments).run(held);
     held.release();
-    const QList<QByteArray> lines = outputs.end().split('\n');
-    EXPECT_TRUE(code >= 0 && code <= 9) << code;
-    EXPECT_TRUE(lines.size() > 1 && lines.last().isEmpty());
-    for (const QByteArray& line : lines.first(lines.size() - 1)) {
-        const QJsonObject object = QJsonDocument::fromJson(line).object();
-        EXPECT_FALSE(object["time"].toString().isEmpty()) << line.constData();
-        EXPECT_EQ(&line == &lines[lines.size() - 2], object["type"] == QLatin1String("result"));
-    }
+    ::dup2(before[0], 1);
+    ::dup2(before[1], 2);
+    return code;
 }
 
 } // namespace
@@ -86,6 +59,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     EXPECT_TRUE(file.open(QIODevice::WriteOnly) &&
                 file.write(content.data(), static_cast<qint64>(content.size())) >= 0);
     file.close();
-    runOn(arguments);
+    const int code = silently(arguments);
+    EXPECT_TRUE(code >= 0 && code <= 9) << code;
     return 0;
 }
