@@ -1,8 +1,8 @@
 // A firmware file. What an accepted one is taken to hold must be what a second, slow little reader
 // finds in it, and compressed data must inflate to the plain data.
 
-#include "../firmware/FirmwareReading.h"
 #include "Fuzzing.h"
+#include "firmware/FirmwareReading.h"
 #include "shared/NumberText.h"
 #include "support/VirtualPlatform.h"
 

@@ -1,8 +1,8 @@
 // Answers to queries and to commands for blocks. What is taken from them must be what a second
 // little reader finds in them, and no fault may pass for success.
 
-#include "../protocol/ProtocolTest.h"
 #include "FuzzedLine.h"
+#include "protocol/ProtocolTest.h"
 
 using namespace fldc;
 
