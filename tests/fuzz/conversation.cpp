@@ -107,7 +107,8 @@ int run(clsDLManager& manager, int operation, FuzzedDataProvider& fuzz)
     case 0:
         return manager.ReportConfigurations(text);
     case 1:
-        (void)manager.ReportConfigurations(text);
+        if (const int failure = manager.ReportConfigurations(text))
+            return failure;
         return manager.EraseSelected(QString::number(fuzz.ConsumeIntegralInRange(0, 3)), text);
     case 2:
         return manager.RestartFromAnyState();

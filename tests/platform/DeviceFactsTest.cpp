@@ -254,7 +254,8 @@ TEST(PortText, MeansANumberAPathAnAdapterOrAPinnedName)
     const QTemporaryDir folder;
     QFile file(folder.filePath(u"settings"_s));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[Ports]\nCOM5=/dev/serial/by-id/usb-FTDI-A50285BI\nbench-left=/dev/ttyS0\n");
+    file.write("[Ports]\nCOM5=/dev/serial/by-id/usb-FTDI-A50285BI\nbench-left=/dev/ttyS0\n"
+               "odd=\"/dev/ttyS0\\x0/x\"\n");
     file.close();
     const SettingsFile settings(file.fileName());
     PortListing ports(settings, system);
@@ -281,6 +282,7 @@ TEST(PortText, MeansANumberAPathAnAdapterOrAPinnedName)
             {u"-1"_s, u"-1"_s, {}},
             {u"bench-left"_s, u"bench-left"_s, u"/dev/ttyS0"_s},
             {u"bench-right"_s, u"bench-right"_s, {}},
+            {u"odd"_s, u"odd"_s, {}}, // a zero within its path
             {u""_s, u""_s, {}},
             {u"/dev/gone"_s, u"/dev/gone"_s, u"/dev/gone"_s},
             {u"usb:A50285BI"_s, u"usb:A50285BI"_s, adapter},

@@ -33,7 +33,10 @@ QString PortListing::devicePath(int number)
 
 QMap<QString, QString> PortListing::pinned() const
 {
-    return m_settings.section(QStringLiteral("Ports"));
+    QMap<QString, QString> pins = m_settings.section(QStringLiteral("Ports"));
+    // The system would take the part before it for the path: another device.
+    pins.removeIf([](const auto& pin) { return pin.value().contains(QChar::Null); });
+    return pins;
 }
 
 PortMap PortListing::devices() const
