@@ -119,6 +119,40 @@ int run(clsDLManager& manager, int operation, FuzzedDataProvider& fuzz)
     }
 }
 
+// The record of the session may not be better than what the radio has confirmed.
+void checkOutcome(const FuzzedLine& line, State state, bool isDownload, int result)
+{
+    const Confirmed confirmed(line.writes);
+    if (confirmed.mayHaveErased)
+        EXPECT_TRUE(std::set({State::Erased, State::PartlyWritten, State::Written, State::Locked,
+                              State::Restarted})
+                        .contains(state));
+    if (isDownload && (state == State::Locked || state == State::Restarted))
+        EXPECT_FALSE(confirmed.begun && confirmed.mayHaveErased);
+    if (isDownload && result == 0)
+        EXPECT_GT(confirmed.images, 0);
+}
+
+void prepare(VirtualPlatform& machine)
+{
+    machine.settings.values[QStringLiteral("Debug")] = QStringLiteral("True");
+    auto& files = machine.files.files;
+    files[QStringLiteral("C:\\Tools\\") + bootFileFor(u"RVKB1*")].content = firmware("BOOT", "");
+    files[QStringLiteral("fw\\a")].content = firmware("JHA2F", "MD \"RVKB1\",0\n");
+    files[QStringLiteral("fw\\b")].content = firmware("JHA2G", "");
+}
+
+// To the repaired radio, with a file more.
+void downloadAgain(clsDLManager& manager, FuzzedLine& line)
+{
+    line.repair();
+    line.writes.clear();
+    EXPECT_EQ(manager.LoadFilesEx(QStringLiteral("fw,a,b"), QStringLiteral(",")), 0);
+    QString text;
+    EXPECT_EQ(manager.DownLoad(text), 0);
+    EXPECT_EQ(Confirmed(line.writes).images, 3);
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
@@ -127,11 +161,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     FuzzedMachine all(fuzz);
     VirtualPlatform& machine = all.machine;
     FuzzedLine& line = *all.line;
-    machine.settings.values[QStringLiteral("Debug")] = QStringLiteral("True");
-    auto& files = machine.files.files;
-    files[QStringLiteral("C:\\Tools\\") + bootFileFor(u"RVKB1*")].content = firmware("BOOT", "");
-    files[QStringLiteral("fw\\a")].content = firmware("JHA2F", "MD \"RVKB1\",0\n");
-    files[QStringLiteral("fw\\b")].content = firmware("JHA2G", "");
+    prepare(machine);
     Surroundings surroundings(all.platform);
     auto owner = std::make_unique<clsDLManager>(all.platform, surroundings, surroundings);
     clsDLManager& manager = *owner;
@@ -147,34 +177,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
         });
     }
     const int operation = fuzz.ConsumeIntegralInRange(0, 7);
-    const bool isDownload = operation > 3;
     const int result = run(manager, operation, fuzz);
     EXPECT_GE(sent, line.writes.size());
 
     const auto longest = line.paused + std::chrono::seconds(60 * (line.writes.size() + 10));
     EXPECT_LT(machine.time.monotonic(), longest);
-    const Confirmed confirmed(line.writes);
-    const State state = stateOf(surroundings.radio);
-    if (confirmed.mayHaveErased)
-        EXPECT_TRUE(std::set({State::Erased, State::PartlyWritten, State::Written, State::Locked,
-                              State::Restarted})
-                        .contains(state));
-    if (isDownload && (state == State::Locked || state == State::Restarted))
-        EXPECT_FALSE(confirmed.begun && confirmed.mayHaveErased);
-    if (isDownload && result == 0)
-        EXPECT_GT(confirmed.images, 0);
+    checkOutcome(line, stateOf(surroundings.radio), operation > 3, result);
 
-    line.repair();
-    line.writes.clear();
-    EXPECT_EQ(manager.LoadFilesEx(QStringLiteral("fw,a,b"), QStringLiteral(",")), 0);
-    QString text;
-    EXPECT_EQ(manager.DownLoad(text), 0);
-    EXPECT_EQ(Confirmed(line.writes).images, 3);
+    downloadAgain(manager, line);
     EXPECT_EQ(stateOf(surroundings.radio), State::Restarted);
     EXPECT_FALSE(line.portOpen());
     EXPECT_EQ(machine.time.timersRunning(), 0);
     owner.reset();
-    for (const auto& [path, file] : files)
+    for (const auto& [path, file] : machine.files.files)
         EXPECT_EQ(file.content.count("START LOG"), file.content.count("END LOG"));
     return 0;
 }

@@ -28,7 +28,7 @@ struct Image {
         const int digits = 2 * (line[1] - '0') + 2;
         const std::uint32_t address = line.mid(4, digits).toUInt(nullptr, 16);
         const int units = (line.mid(2, 2).toInt(nullptr, 16) - digits / 2 - 1) / unitBytes;
-        QByteArray data = line.mid(4 + digits, 2 * units * unitBytes);
+        QByteArray data = line.mid(4 + digits, qsizetype{2} * units * unitBytes);
         if (tables.empty() || address != next) {
             if (!tables.empty() && tables.back().units % 2 != 0 && unitBytes == 1) {
                 tables.back().bytes += '\xFF';
