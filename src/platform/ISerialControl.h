@@ -3,6 +3,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <chrono>
+#include <functional>
 #include <memory>
 
 namespace fldc {
@@ -22,7 +24,10 @@ enum class SerialFailure : int {
 /// alive. Only the port drives it. It is used on the thread that made it, where bytes that arrive
 /// are taken over while events are served, whether or not anybody reads.
 ///
-/// A line that hangs up (an unplugged adapter) delivers the bytes it had received; then every
+/// Opening, closing, a change of settings and output serve events where the line is another
+/// machine's: hold the object by a copy of its pointer meanwhile.
+///
+/// A line that hangs up (an unplugged adapter, a connection that drops) delivers the bytes it had received; then every
 /// operation but closing fails, and a wait in IEvents ends at once.
 class ISerialControl {
 public:
@@ -56,6 +61,13 @@ public:
     [[nodiscard]] virtual QByteArray input() = 0;
     /// Gives all of @p bytes to the line. Waits, bounded in time, while the line's buffer is full.
     virtual void output(const QByteArray& bytes) = 0;
+
+    /// What a network between here and the line may add to the time of an exchange, to be allowed
+    /// for in every wait for an answer; 0 for a line of this machine.
+    [[nodiscard]] virtual std::chrono::milliseconds delay() const { return {}; }
+    /// Opening a line of another machine serves events while it waits; it fails at once when
+    /// @p wanted says so. Everything else that waits is short, and goes through to its end.
+    virtual void setGiveUp(std::function<bool()> wanted) { static_cast<void>(wanted); }
 };
 
 class ISerialControlFactory {

@@ -95,6 +95,8 @@ const std::shared_ptr<ISerialControl>& clsSerial::control() const
 void clsSerial::setPortType(std::shared_ptr<ISerialControl> control)
 {
     m_control = std::move(control);
+    if (m_control)
+        m_control->setGiveUp([wish = m_cancellation] { return wish->requested(); });
 }
 
 void clsSerial::OpenPort()
@@ -102,19 +104,22 @@ void clsSerial::OpenPort()
     if (cancelled())
         return;
     try {
-        control()->setPortOpen(true);
+        const auto line = control(); // held, here and below: it may serve events
+        line->setPortOpen(true);
         lastError().clear();
-        tellOpened(*control());
+        tellOpened(*line);
     } catch (...) {
         recordFailure(openFailures);
     }
+    (void)cancelled(); // meanwhile
 }
 
 void clsSerial::ClosePort()
 {
     try {
-        if (control()->portOpen())
-            control()->setPortOpen(false);
+        const auto line = control();
+        if (line->portOpen())
+            line->setPortOpen(false);
         lastError().clear();
     } catch (...) {
         recordFailure(closeFailures);
@@ -129,9 +134,10 @@ void clsSerial::SetPortParameters(const QString& strBaudRate, std::int32_t comIn
     if (!lastError().ok())
         return;
     try {
-        control()->setSettings(strBaudRate + QStringLiteral(",n,8,1"));
-        control()->setInputMode(comInputMode);
-        control()->setInputLen(1);
+        const auto line = control();
+        line->setSettings(strBaudRate + QStringLiteral(",n,8,1"));
+        line->setInputMode(comInputMode);
+        line->setInputLen(1);
     } catch (...) {
         recordFailure({});
         return;
@@ -144,9 +150,10 @@ void clsSerial::WriteBinary(const QByteArray& bytes)
     if (cancelled())
         return;
     try {
-        tellDiscarded(*control());
-        control()->setInBufferCount(0);
-        control()->output(bytes);
+        const auto line = control();
+        tellDiscarded(*line);
+        line->setInBufferCount(0);
+        line->output(bytes);
         m_lastSent = bytes;
         logBytes(LogEntryType::Sent, bytes);
         lastError().clear();

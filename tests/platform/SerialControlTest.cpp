@@ -122,8 +122,8 @@ protected:
     PseudoTerminal far;
     SettingsFile noSettings{u"/nonexistent/settings"_s};
     PortListing ports{noSettings};
-    SerialControl control{ports};
     QtEvents events;
+    SerialControl control{ports, events};
 };
 
 const std::array<std::function<void(SerialControl&)>, 5> operations{
@@ -188,7 +188,7 @@ TEST_F(SerialControlTest, IsExclusiveAlsoForRootAndThroughALink)
     const QString link = folder.filePath(u"radio"_s);
     ASSERT_TRUE(QFile::link(far.path(), link));
     const FileDescriptor other = far.openNearEnd();
-    SerialControl second(ports);
+    SerialControl second(ports, events);
     const auto expectBothFailWith = [&](int number, bool locked = true) {
         EXPECT_EQ(failureNumber([&] { second.setPortOpen(true); }), number);
         if (second.portOpen())
@@ -231,7 +231,7 @@ TEST_F(SerialControlTest, FailsWithTheNumberOfTheCause)
                                        {u"/tmp"_s, EISDIR},
                                        {u"/dev/null"_s, ENOTTY}}) {
         nameDevice(path);
-        SerialControl other(ports);
+        SerialControl other(ports, events);
         EXPECT_EQ(failureNumber([&] { other.setPortOpen(true); }), number) << qPrintable(path);
         EXPECT_FALSE(ports.isAvailable(u"COM1:"_s)) << qPrintable(path);
     }
@@ -346,7 +346,7 @@ TEST_F(SerialControlTest, HangUpDeliversWhatCameThenFailsAndCostsNothing)
     for (const auto& operation : operations) {
         PseudoTerminal terminal;
         nameDevice(terminal.path());
-        SerialControl line(ports);
+        SerialControl line(ports, events);
         line.setPortOpen(true);
         terminal.hangUp();
         EXPECT_EQ(failureNumber([&] { operation(line); }), EIO);

@@ -1,10 +1,15 @@
 #include "platform/qt/serial/SerialControl.h"
 
 #include "platform/IPortListing.h"
-#include "platform/qt/CallbackGuard.h"
+#include "platform/RemoteAddress.h"
+#include "platform/qt/remote/RemoteLine.h"
+#include "platform/qt/serial/SerialLine.h"
+
+#include <QTimer>
 
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 namespace fldc {
 
@@ -34,24 +39,46 @@ std::optional<std::uint32_t> parseSettings(const QString& settings)
 
 } // namespace
 
-SerialControl::SerialControl(IPortListing& ports) : m_ports(ports) {}
+/// A step that may serve events: while it does, nobody opens, closes or changes the line.
+class SerialControl::Step {
+public:
+    explicit Step(SerialControl& control) : m_control(control)
+    {
+        if (control.m_inStep)
+            throw serialFailure(SerialFailure::PortAlreadyOpen, control.m_devicePath);
+        control.m_inStep = true;
+    }
+    ~Step() { m_control.m_inStep = false; }
+    Step(const Step&) = delete;
+    Step& operator=(const Step&) = delete;
+
+private:
+    SerialControl& m_control;
+};
+
+SerialControl::SerialControl(IPortListing& ports, IEvents& events)
+    : m_ports(ports), m_events(events)
+{
+}
 
 SerialControl::~SerialControl()
 {
     if (m_line && m_lostError == 0)
-        static_cast<void>(m_line->drain());
+        m_line->drainLast();
 }
 
 void SerialControl::setCommPort(int number)
 {
-    if (m_line)
+    if (m_line || m_inStep)
         throw serialFailure(SerialFailure::PortAlreadyOpen, m_devicePath);
+    m_parked.reset();
     m_commPort = number;
     m_devicePath.clear();
 }
 
 void SerialControl::setPortOpen(bool openIt)
 {
+    const Step step(*this);
     if (openIt)
         open();
     else
@@ -66,13 +93,41 @@ void SerialControl::open()
     if (path.isEmpty())
         throw serialFailure(SerialFailure::InvalidPortNumber,
                             QStringLiteral("COM") + QString::number(m_commPort));
-    auto line = std::make_unique<SerialLine>(path);
-    line->configure(m_speed);
-    m_notifier = std::make_unique<QSocketNotifier>(line->descriptor(), QSocketNotifier::Read);
-    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
-                     [this] { callGuarded([this] { receive(*m_line); }); });
+    auto line = lineTo(path);
+    try {
+        line->configure(m_speed);
+    } catch (...) {
+        park(std::move(line));
+        throw;
+    }
+    line->watch([this] { receive(*m_line); });
     m_line = std::move(line);
     m_devicePath = path;
+}
+
+/// The one place where the text of a port decides what its line is.
+std::unique_ptr<ILine> SerialControl::lineTo(const QString& text)
+{
+    if (const auto parked = std::exchange(m_parked, nullptr); parked && *parked)
+        return std::move(*parked);
+    if (isRemote(text))
+        return std::make_unique<RemoteLine>(text, m_events, m_giveUp);
+    return std::make_unique<SerialLine>(text);
+}
+
+/// Changing the speed closes and opens the port. What is reopened before events are served has
+/// never been away: a server drops its end's control lines when its client leaves, and lets in the
+/// next.
+void SerialControl::park(std::unique_ptr<ILine> line)
+{
+    if (!line->outlivesReopening())
+        return;
+    line->setWatching(false);
+    m_parked = std::make_shared<std::unique_ptr<ILine>>(std::move(line));
+    QTimer::singleShot(0, [parked = std::weak_ptr(m_parked)] {
+        if (const auto held = parked.lock())
+            held->reset();
+    });
 }
 
 void SerialControl::close()
@@ -80,10 +135,10 @@ void SerialControl::close()
     if (!m_line)
         throw serialFailure(SerialFailure::DeviceNotOpen, m_devicePath);
     const int error = m_lostError == 0 ? m_line->drain() : m_lostError;
-    m_notifier.reset();
-    m_line.reset();
+    auto line = std::exchange(m_line, nullptr);
     m_received.clear();
-    m_lostError = 0;
+    if (std::exchange(m_lostError, 0) == 0 && error == 0)
+        park(std::move(line));
     // A hang-up is no reason for closing to fail, but a line that works and took nothing more is:
     // the radio has not seen the end of what was written.
     if (error == ETIMEDOUT)
@@ -96,7 +151,8 @@ void SerialControl::setSettings(const QString& settings)
     if (!speed)
         throw invalidSetting(QStringLiteral("line setting"), settings);
     if (m_line) {
-        SerialLine& line = liveLine();
+        const Step step(*this);
+        ILine& line = liveLine();
         if (const int error = line.drain())
             fail(error);
         line.configure(*speed);
@@ -120,7 +176,7 @@ void SerialControl::setInputLen(int bytes)
 
 int SerialControl::inBufferCount()
 {
-    SerialLine& line = openLine();
+    ILine& line = openLine();
     if (m_received.isEmpty())
         receive(line);
     if (m_received.isEmpty() && m_lostError != 0)
@@ -135,12 +191,12 @@ void SerialControl::setInBufferCount(int count)
     m_received.clear();
     if (const int error = liveLine().discardReceived())
         fail(error);
-    m_notifier->setEnabled(true);
+    m_line->setWatching(true);
 }
 
 QByteArray SerialControl::input()
 {
-    SerialLine& line = openLine();
+    ILine& line = openLine();
     if (m_received.isEmpty())
         receive(line);
     if (m_received.isEmpty() && m_lostError != 0)
@@ -148,26 +204,32 @@ QByteArray SerialControl::input()
     QByteArray bytes = m_received.left(m_inputLen);
     m_received.remove(0, bytes.size());
     if (m_lostError == 0 && m_received.size() < receiveLimit)
-        m_notifier->setEnabled(true);
+        m_line->setWatching(true);
     return bytes;
 }
 
 void SerialControl::output(const QByteArray& bytes)
 {
+    const Step step(*this);
     if (const int error = liveLine().write(bytes))
         fail(error);
 }
 
-SerialLine& SerialControl::openLine()
+std::chrono::milliseconds SerialControl::delay() const
+{
+    return m_line ? m_line->delay() : std::chrono::milliseconds(0);
+}
+
+ILine& SerialControl::openLine()
 {
     if (!m_line)
         throw serialFailure(SerialFailure::OnlyWhilePortOpen, m_devicePath);
     return *m_line;
 }
 
-SerialLine& SerialControl::liveLine()
+ILine& SerialControl::liveLine()
 {
-    SerialLine& line = openLine();
+    ILine& line = openLine();
     if (m_lostError != 0)
         fail(m_lostError);
     return line;
@@ -175,21 +237,21 @@ SerialLine& SerialControl::liveLine()
 
 /// Takes over what has arrived. Also called by the notifier, so that a wait that nobody reads in
 /// does not spin on bytes that lie ready.
-void SerialControl::receive(SerialLine& line)
+void SerialControl::receive(ILine& line)
 {
     if (m_lostError != 0)
         return;
     if (const int error = line.receive(m_received, receiveLimit - m_received.size()))
         lineLost(error);
     else if (m_received.size() >= receiveLimit)
-        m_notifier->setEnabled(false);
+        m_line->setWatching(false);
 }
 
 /// A notifier on a line that hung up would fire without end.
 void SerialControl::lineLost(int error)
 {
     m_lostError = error;
-    m_notifier->setEnabled(false);
+    m_line->setWatching(false);
 }
 
 /// Throws @p error. A time-out leaves the line alive; after anything else it is lost.

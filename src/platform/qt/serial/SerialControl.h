@@ -1,25 +1,27 @@
 #pragma once
 
 #include "platform/ISerialControl.h"
-#include "platform/qt/serial/SerialLine.h"
-
-#include <QSocketNotifier>
+#include "platform/qt/serial/ILine.h"
 
 #include <cstdint>
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace fldc {
 
+class IEvents;
 class IPortListing;
 
-/// A serial line of this machine. What arrives is taken over while events are served, up to 64 KiB;
-/// beyond that the driver keeps it, and drops it as it must.
+/// A serial line of this machine, or of another one (rfc2217://HOST:PORT), which the text of the
+/// port decides when it is opened. What arrives is taken over while events are served, up to
+/// 64 KiB; beyond that the driver or the network keeps it, and drops it as it must.
 ///
 /// Failure numbers besides those of SerialFailure: 5 for a setting that is not understood, EIO for
 /// a line that hung up, ETIMEDOUT when the line took or sent nothing more for too long.
 class SerialControl final : public ISerialControl {
 public:
-    explicit SerialControl(IPortListing& ports);
+    SerialControl(IPortListing& ports, IEvents& events);
     ~SerialControl() override;
     SerialControl(const SerialControl&) = delete;
     SerialControl& operator=(const SerialControl&) = delete;
@@ -45,16 +47,26 @@ public:
     [[nodiscard]] QByteArray input() override;
     void output(const QByteArray& bytes) override;
 
+    [[nodiscard]] std::chrono::milliseconds delay() const override;
+    void setGiveUp(std::function<bool()> wanted) override { m_giveUp = std::move(wanted); }
+
 private:
+    class Step;
+
     void open();
     void close();
-    SerialLine& openLine();
-    SerialLine& liveLine();
-    void receive(SerialLine& line);
+    [[nodiscard]] std::unique_ptr<ILine> lineTo(const QString& text);
+    void park(std::unique_ptr<ILine> line);
+    ILine& openLine();
+    ILine& liveLine();
+    void receive(ILine& line);
     void lineLost(int error);
     [[noreturn]] void fail(int error);
 
     IPortListing& m_ports;
+    IEvents& m_events;
+    std::function<bool()> m_giveUp;
+    bool m_inStep = false; ///< one that may serve events
     int m_commPort = 1;
     QString m_devicePath;
     QString m_settings = QStringLiteral("9600,n,8,1");
@@ -62,20 +74,22 @@ private:
     int m_inputLen = 1;
     QByteArray m_received;
     int m_lostError = 0; ///< errno of the hang-up; 0 while the line lives
-    std::unique_ptr<SerialLine> m_line;
-    std::unique_ptr<QSocketNotifier> m_notifier; ///< declared after the line that it watches
+    std::unique_ptr<ILine> m_line;
+    std::shared_ptr<std::unique_ptr<ILine>> m_parked; ///< closed, and still connected
 };
 
 class SerialControlFactory final : public ISerialControlFactory {
 public:
-    explicit SerialControlFactory(IPortListing& ports) : m_ports(ports) {}
+    /// @p events: served while a line of another machine is waited for.
+    SerialControlFactory(IPortListing& ports, IEvents& events) : m_ports(ports), m_events(events) {}
     [[nodiscard]] std::shared_ptr<ISerialControl> create() override
     {
-        return std::make_shared<SerialControl>(m_ports);
+        return std::make_shared<SerialControl>(m_ports, m_events);
     }
 
 private:
     IPortListing& m_ports;
+    IEvents& m_events;
 };
 
 } // namespace fldc

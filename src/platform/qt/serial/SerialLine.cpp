@@ -1,10 +1,13 @@
 #include "platform/qt/serial/SerialLine.h"
 
+#include "platform/qt/CallbackGuard.h"
+
 #include <QFile>
 
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <utility>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -169,6 +172,18 @@ void SerialLine::configure(std::uint32_t speed)
                                           QString::number(speed) +
                                           QStringLiteral(" bits per second, 8 data bits"));
     m_speed = speed;
+}
+
+void SerialLine::watch(std::function<void()> activity)
+{
+    m_notifier = std::make_unique<QSocketNotifier>(descriptor(), QSocketNotifier::Read);
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
+                     [activity = std::move(activity)] { callGuarded(activity); });
+}
+
+void SerialLine::setWatching(bool on)
+{
+    m_notifier->setEnabled(on);
 }
 
 int SerialLine::receive(QByteArray& received, qsizetype limit)
