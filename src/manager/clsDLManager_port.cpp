@@ -64,8 +64,9 @@ void clsDLManager::choosePort(const QString& strPort, bool blnUI)
         const std::int32_t number = PortNumber(strPort);
         m_port = std::make_shared<clsSerial>(
             m_platform, m_cancellation, [this] { return userPresent(); }, m_teller);
-        m_port->setPortType(control);
-        m_port->ClosePort();
+        const auto port = m_port; // held: closing a remote line serves events
+        port->setPortType(control);
+        port->ClosePort();
         control->setCommPort(number);
     } else {
         lastError().set(Code::PortDoesNotExist);

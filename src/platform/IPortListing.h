@@ -24,9 +24,11 @@ public:
     /// can't be asked.
     [[nodiscard]] virtual QList<Port> ports() = 0;
     /// Whether the port of that name could be opened now, as far as a look can tell: its device is
-    /// there, may be read and written, and nobody is seen to use it, this program included.
+    /// there, may be read and written, and nobody is seen to use it, this program included. A line
+    /// of another machine can't be looked at: true says that it may be tried.
     [[nodiscard]] virtual bool isAvailable(const QString& name) = 0;
-    /// Path of the device behind COM@p number: ; empty when there is none.
+    /// Path of the device behind COM@p number: , or where its remote line is offered
+    /// (RemoteAddress.h); empty when there is none.
     [[nodiscard]] virtual QString devicePath(int number) = 0;
 };
 

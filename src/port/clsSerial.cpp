@@ -170,7 +170,8 @@ void clsSerial::ResetRadio()
 QString clsSerial::ReadBinary(std::int16_t intTimeout, const QString& strExist,
                               bool* blnTerminatorFound)
 {
-    const milliseconds timeout(intTimeout);
+    // The radio's time is counted; a network's comes to it, once for every question and answer.
+    const milliseconds timeout = milliseconds(intTimeout) + (m_control ? m_control->delay() : 0ms);
     QString text;
     bool finished = false;
     if (strExist.size() == 4) {
@@ -302,7 +303,8 @@ std::optional<std::uint8_t> clsSerial::nextByte(ISerialControl& line)
 void clsSerial::WaitForReset(bool& blnUARequired, bool blnAFAF)
 {
     StartUpText text(blnAFAF);
-    if (readReply(text, resetTimeout, maximumBusyMarks))
+    const auto delay = m_control ? m_control->delay() : 0ms;
+    if (readReply(text, resetTimeout + delay, maximumBusyMarks))
         blnUARequired = text.applicationRequired();
     else if (lastError().code() != Code::UserCancelled)
         lastError().set(Code::RadioDidNotReset); // whatever kept it from being heard

@@ -1,6 +1,7 @@
 #include "automation/root/Ports.h"
 
 #include "platform/IPortListing.h"
+#include "platform/RemoteAddress.h"
 #include "platform/linux/DeviceFacts.h"
 #include "port/PortEnumeration.h"
 
@@ -45,7 +46,9 @@ QList<PortRecord> listPorts(IPortListing& listing)
             continue;
         const QString device = listing.devicePath(PortNumber(port.name));
         const HardwareFacts hardware = inspector.hardware(device);
-        records.append({port.name, device, hardware.description, hardware.serial, port.available});
+        const QString description =
+            isRemote(device) ? QStringLiteral("line of another machine") : hardware.description;
+        records.append({port.name, device, description, hardware.serial, port.available});
     }
     return records;
 }

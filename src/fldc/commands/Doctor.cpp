@@ -1,6 +1,7 @@
 #include "fldc/commands/CommandTable.h"
 #include "fldc/files/NamedPort.h"
 #include "fldc/output/Output.h"
+#include "platform/RemoteAddress.h"
 #include "platform/linux/DeviceFacts.h"
 #include "platform/qt/SettingsFile.h"
 #include "platform/qt/serial/PortListing.h"
@@ -116,6 +117,18 @@ std::vector<Check> checksOf(const DeviceFacts& facts)
     return checks;
 }
 
+Check remoteCheck(const QString& device)
+{
+    const auto address = remoteAddress(device);
+    if (!address)
+        return {device, false, u"It names no line of another machine."_s,
+                u"Write rfc2217://HOST:PORT, an IPv6 address in brackets."_s};
+    return {device, true,
+            u"It is a line of another machine: %1, port %2. Whether it is there and free shows only "
+            "when it is opened."_s.arg(address->host).arg(address->port),
+            {}};
+}
+
 void tell(Output& output, const Check& check)
 {
     output.tell(kind::check, makeObject(kind::check, {{"subject"_L1, validText(check.subject)},
@@ -138,6 +151,10 @@ Outcome runDoctor(Context& context)
     DeviceInspector inspector(LinuxSystem::thisMachine());
     PortState state = PortState::Free;
     for (const QString& device : devices) {
+        if (isRemote(device)) {
+            tell(context.output, remoteCheck(device));
+            continue;
+        }
         const DeviceFacts facts = inspector.facts(device);
         state = facts.state;
         for (const Check& check : checksOf(facts))
@@ -145,7 +162,9 @@ Outcome runDoctor(Context& context)
     }
     if (context.port.device.isEmpty())
         return done(u"%1 ports were looked at."_s.arg(devices.size()));
-    if (state != PortState::Free)
+    if (isRemote(context.port.device) && remoteAddress(context.port.device))
+        return done(u"Nothing is known of a line of another machine until it is opened."_s);
+    if (isRemote(context.port.device) || state != PortState::Free)
         return failure(Exit::Port, Code::Success, u"The port can't be used now."_s,
                        u"See the findings above."_s);
     return done(u"The port can be used, as far as can be seen without opening it."_s);

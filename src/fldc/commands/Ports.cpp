@@ -1,5 +1,6 @@
 #include "fldc/commands/CommandTable.h"
 #include "fldc/output/Output.h"
+#include "platform/RemoteAddress.h"
 #include "platform/linux/DeviceFacts.h"
 #include "platform/qt/SettingsFile.h"
 #include "platform/qt/serial/PortListing.h"
@@ -18,6 +19,23 @@ constexpr std::array<QStringView, 3> stateNames{u"free", u"in use", u"no permiss
 QJsonValue textOrNull(const QString& text)
 {
     return text.isEmpty() ? QJsonValue() : QJsonValue(validText(text));
+}
+
+void tellRemote(Output& output, const QString& name, const QString& device)
+{
+    const QString description = u"line of another machine"_s;
+    const QString state = u"unknown"_s; // nobody is asked
+    output.tell(kind::port, makeObject(kind::port, {{"name"_L1, name},
+                                                    {"device"_L1, validText(device)},
+                                                    {"stable"_L1, validText(device)},
+                                                    {"description"_L1, description},
+                                                    {"vendor"_L1, QJsonValue()},
+                                                    {"product"_L1, QJsonValue()},
+                                                    {"serial"_L1, QJsonValue()},
+                                                    {"state"_L1, state},
+                                                    {"pid"_L1, QJsonValue()},
+                                                    {"program"_L1, QJsonValue()}}));
+    output.print(u"%1 %2 %3  %4\n"_s.arg(name, -7).arg(device, -20).arg(description, -24).arg(state));
 }
 
 QJsonObject portObject(const QString& name, const DeviceFacts& facts)
@@ -59,6 +77,11 @@ Outcome runPorts(Context& context)
     qsizetype found = 0;
     for (auto each = devices.constBegin(); each != devices.constEnd(); ++each) {
         const QString name = u"COM%1"_s.arg(each.key());
+        if (isRemote(each.value())) {
+            ++found;
+            tellRemote(context.output, name, each.value());
+            continue;
+        }
         const DeviceFacts facts = inspector.facts(each.value());
         if (facts.state == PortState::NoDevice) {
             context.output.terminal().note(

@@ -6,11 +6,14 @@
 #include <QDir>
 #include <QFile>
 
+#include <utility>
+
 namespace fldc::cli {
 
 RadioPlatform::RadioPlatform(const Platform& base, IEvents& events, const Options& options,
-                             const QString& device)
-    : m_port(device), m_controls(m_port, events), m_settings(base.settings),
+                             const QString& device,
+                             std::function<void(const QString& why)> complaint)
+    : m_port(device), m_controls(m_port, events, std::move(complaint)), m_settings(base.settings),
       m_program(base.program, options),
       m_messages(base.messages, options), m_platform{events,     base.timers, base.clock,
                                                      base.files, m_settings,  m_port,

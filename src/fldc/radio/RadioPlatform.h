@@ -9,6 +9,7 @@
 
 #include <QString>
 
+#include <functional>
 #include <optional>
 
 namespace fldc::cli {
@@ -35,9 +36,9 @@ private:
 /// their logging (which --log decides) and never written.
 class RadioPlatform {
 public:
-    /// @p events: those of the run.
+    /// @p events: those of the run. @p complaint: told why a remote line can't be opened.
     RadioPlatform(const Platform& base, IEvents& events, const Options& options,
-                  const QString& device);
+                  const QString& device, std::function<void(const QString& why)> complaint);
     RadioPlatform(const RadioPlatform&) = delete;
     RadioPlatform& operator=(const RadioPlatform&) = delete;
 

@@ -5,6 +5,7 @@
 #include "fldc/commands/Command.h"
 #include "fldc/files/InputFiles.h"
 #include "fldc/options/Options.h"
+#include "fldc/output/Output.h"
 #include "platform/PlatformFailure.h"
 #include "ui/logic/DownloadWindow.h"
 
@@ -20,7 +21,8 @@ using namespace Qt::StringLiterals;
 RadioRun::RadioRun(Context& context, const QString& device,
                    QHash<QString, std::int32_t> fileOfImage)
     : m_context(context), m_events(context.platform.events, [this] { endIfWanted(); }),
-      m_radioPlatform(context.platform, m_events, context.options, device),
+      m_radioPlatform(context.platform, m_events, context.options, device,
+                      [this](const QString& why) { m_context.output.terminal().note(why); }),
       m_record({context.output, context.outputLoss, std::move(fileOfImage), context.wantsEnd,
                 [this] { endIfWanted(); }})
 {

@@ -69,6 +69,16 @@ void keepAlive(QTcpSocket& socket)
         ::setsockopt(descriptor, IPPROTO_TCP, option, &value, sizeof value);
 }
 
+/// A server that waits with the radio's reply until its last segment is acknowledged (Nagle's
+/// algorithm) gets the acknowledgement now, not in 40 ms. The system forgets the wish, so it is
+/// repeated with everything that comes.
+void acknowledgeAtOnce(const QTcpSocket& socket)
+{
+    constexpr int on = 1;
+    ::setsockopt(static_cast<int>(socket.socketDescriptor()), IPPROTO_TCP, TCP_QUICKACK, &on,
+                 sizeof on);
+}
+
 /// Before there is a connection a name or a place that is not there is a device that is missing.
 int errorOf(QAbstractSocket::SocketError error)
 {
@@ -250,8 +260,10 @@ void RemoteLine::setWatching(bool on)
 /// Bytes that nobody takes stay in the socket, and then with the server.
 void RemoteLine::take()
 {
-    if (m_received.size() < receiveLimit && m_socket.isReadable())
+    if (m_received.size() < receiveLimit && m_socket.isReadable()) {
         m_decoder.take(m_socket.readAll(), *this);
+        acknowledgeAtOnce(m_socket);
+    }
     if (m_watching && m_activity && (!m_received.isEmpty() || m_error != 0))
         m_activity();
 }
@@ -308,7 +320,9 @@ bool RemoteLine::discarding()
 int RemoteLine::discardReceived()
 {
     m_received.clear();
-    if (m_error == 0 && m_answersPurge) {
+    // One question at a time: ser2net drops answers when many are due. What is written meanwhile
+    // belongs to the same message, a byte of a boot application.
+    if (m_error == 0 && m_answersPurge && !discarding()) {
         m_purged = SteadyClock::now();
         ask(com_port::purgeData, QByteArray(1, com_port::receivedData));
     }

@@ -1,9 +1,21 @@
 #include "platform/qt/serial/PortListing.h"
 
+#include "platform/RemoteAddress.h"
 #include "platform/linux/DeviceFacts.h"
 #include "platform/qt/SettingsFile.h"
 
 namespace fldc {
+
+namespace {
+
+// Of a remote line nothing can be seen: it may be tried.
+bool mayBeTried(const QString& path, DeviceInspector& inspector)
+{
+    return isRemote(path) ? remoteAddress(path).has_value()
+                          : inspector.state(path) == PortState::Free;
+}
+
+} // namespace
 
 PortListing::PortListing(const SettingsFile& settings, const LinuxSystem& system)
     : m_settings(settings), m_system(system)
@@ -16,14 +28,15 @@ QList<IPortListing::Port> PortListing::ports()
     DeviceInspector inspector(m_system);
     const PortMap present = devices();
     for (auto port = present.begin(); port != present.end(); ++port)
-        list.append({portName(port.key()), inspector.state(port.value()) == PortState::Free});
+        list.append({portName(port.key()), mayBeTried(port.value(), inspector)});
     return list;
 }
 
 bool PortListing::isAvailable(const QString& name)
 {
     const QString path = devicePath(portNumber(QStringView(name).trimmed()));
-    return !path.isEmpty() && DeviceInspector(m_system).state(path) == PortState::Free;
+    DeviceInspector inspector(m_system);
+    return !path.isEmpty() && mayBeTried(path, inspector);
 }
 
 QString PortListing::devicePath(int number)

@@ -1,5 +1,6 @@
 #include "platform/qt/serial/PortText.h"
 
+#include "platform/RemoteAddress.h"
 #include "platform/linux/DeviceFacts.h"
 #include "platform/qt/serial/PortListing.h"
 
@@ -67,6 +68,9 @@ ChosenPort numbered(int number, const PortListing& ports)
 
 ChosenPort choosePort(const QString& text, const PortListing& ports)
 {
+    if (isRemote(text) && !remoteAddress(text))
+        return refuse(text, u"\"%1\" is no line of another machine"_s.arg(text),
+                      u"write rfc2217://HOST:PORT, an IPv6 address in brackets"_s);
     if (text.startsWith(usbPrefix))
         return adapter(text, ports);
     if (const auto number = numberIn(text))
@@ -76,7 +80,7 @@ ChosenPort choosePort(const QString& text, const PortListing& ports)
     if (text.contains(u'/'))
         return {text, text, {}, {}};
     return refuse(text, u"\"%1\" is no port"_s.arg(text),
-                  u"a port is COM3, 3, a path, usb:SERIAL or a pinned name"_s);
+                  u"a port is COM3, 3, a path, usb:SERIAL, rfc2217://HOST:PORT or a pinned name"_s);
 }
 
 } // namespace fldc

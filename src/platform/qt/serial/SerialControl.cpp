@@ -93,7 +93,19 @@ void SerialControl::open()
     if (path.isEmpty())
         throw serialFailure(SerialFailure::InvalidPortNumber,
                             QStringLiteral("COM") + QString::number(m_commPort));
-    auto line = lineTo(path);
+    try {
+        connectLine(path);
+    } catch (const PlatformFailure& failure) {
+        if (isRemote(path) && m_complaint && failure.number() != ECANCELED)
+            m_complaint(failure.description());
+        throw;
+    }
+    m_devicePath = path;
+}
+
+void SerialControl::connectLine(const QString& text)
+{
+    auto line = lineTo(text);
     try {
         line->configure(m_speed);
     } catch (...) {
@@ -102,7 +114,6 @@ void SerialControl::open()
     }
     line->watch([this] { receive(*m_line); });
     m_line = std::move(line);
-    m_devicePath = path;
 }
 
 /// The one place where the text of a port decides what its line is.

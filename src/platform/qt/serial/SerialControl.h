@@ -49,12 +49,16 @@ public:
 
     [[nodiscard]] std::chrono::milliseconds delay() const override;
     void setGiveUp(std::function<bool()> wanted) override { m_giveUp = std::move(wanted); }
+    /// Who is told in words why a line of another machine can't be opened: its causes are more than
+    /// the component's codes.
+    void setComplaint(std::function<void(const QString& why)> told) { m_complaint = std::move(told); }
 
 private:
     class Step;
 
     void open();
     void close();
+    void connectLine(const QString& text);
     [[nodiscard]] std::unique_ptr<ILine> lineTo(const QString& text);
     void park(std::unique_ptr<ILine> line);
     ILine& openLine();
@@ -66,6 +70,7 @@ private:
     IPortListing& m_ports;
     IEvents& m_events;
     std::function<bool()> m_giveUp;
+    std::function<void(const QString& why)> m_complaint;
     bool m_inStep = false; ///< one that may serve events
     int m_commPort = 1;
     QString m_devicePath;
@@ -81,15 +86,23 @@ private:
 class SerialControlFactory final : public ISerialControlFactory {
 public:
     /// @p events: served while a line of another machine is waited for.
-    SerialControlFactory(IPortListing& ports, IEvents& events) : m_ports(ports), m_events(events) {}
+    /// @p complaint: as in SerialControl::setComplaint().
+    SerialControlFactory(IPortListing& ports, IEvents& events,
+                         std::function<void(const QString& why)> complaint = {})
+        : m_ports(ports), m_events(events), m_complaint(std::move(complaint))
+    {
+    }
     [[nodiscard]] std::shared_ptr<ISerialControl> create() override
     {
-        return std::make_shared<SerialControl>(m_ports, m_events);
+        auto control = std::make_shared<SerialControl>(m_ports, m_events);
+        control->setComplaint(m_complaint);
+        return control;
     }
 
 private:
     IPortListing& m_ports;
     IEvents& m_events;
+    std::function<void(const QString& why)> m_complaint;
 };
 
 } // namespace fldc
