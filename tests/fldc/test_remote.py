@@ -4,6 +4,7 @@ with the radio's flash. Called with the paths of fldc, the other program, the si
 
 import collections
 import concurrent.futures
+import contextlib
 import json
 import pathlib
 import random
@@ -38,6 +39,11 @@ class Proxy:
         self.listener = socket.create_server((upstream[0], 0))
         self.port = self.listener.getsockname()[1]
         threading.Thread(target=self.accept, daemon=True).start()
+
+    def close(self):
+        with contextlib.suppress(OSError):
+            self.listener.shutdown(socket.SHUT_RDWR)  # or the thread would take one more
+        self.listener.close()
 
     def accept(self):
         while True:
@@ -125,8 +131,11 @@ class Depot(Workbench):
         self.proxy = Proxy(place, **faults)
         self.line = f"rfc2217://{place[0]}:{self.proxy.port}"
 
+    def environment(self, **more):
+        return super().environment(RV4100_FLDC_PORTS=f"COM1={self.line}", **more)
+
     def __exit__(self, *_):
-        self.proxy.listener.close()
+        self.proxy.close()
         self.server.kill()
         self.server.wait()
         super().__exit__()
@@ -170,6 +179,8 @@ def run_case(case):
         problems = [] if code is None or found == code else [f"exit {found}"]
         if error is not None and result["code"] != error:
             problems.append(f"code {result['code']}")
+        if result.get("best", 57600) != 57600:  # the server said that it can't do more
+            problems.append(f"best {result['best']}")
         if bench.proxy.early:
             problems.append("sent to a server that had suspended")
         if arguments == DOWNLOAD:
@@ -189,5 +200,51 @@ class Runs(unittest.TestCase):
                     self.assertFalse(problems, "\n".join(problems))
 
 
+    def test_a_port_in_use_or_missing(self):
+        with Depot() as bench:
+            with socket.create_connection(bench.proxy.listener.getsockname()) as first:
+                self.assertTrue(first.recv(1))  # the server speaks: the line is this client's
+                code, result, text = bench.run("report PORT")
+                self.assertEqual((code, result["code"], result["radio"]), (4, 12, "untouched"), text)
+                self.assertIn("in use", text.splitlines()[-2].lower())
+            place = bench.line
+            bench.proxy.close()
+            code, result, text = bench.run("report PORT")
+            self.assertEqual((code, result["code"], result["radio"]), (4, 11, "untouched"), text)
+            for wrong in ("rfc2217://", "rfc2217:x", place.rsplit(":", 1)[0], place + "/x", "rfc2217://u@h:1"):
+                self.assertEqual(bench.run(f"doctor {wrong}")[0], 4, wrong)
+
+    def test_nobody_is_asked_by_who_only_looks(self):
+        with Depot() as bench:
+            run = subprocess.run([PROGRAM, "--json", "ports"], env=bench.environment(), timeout=60,
+                                 capture_output=True, text=True)
+            (port,) = (json.loads(line) for line in run.stdout.splitlines() if '"type":"port"' in line)
+            self.assertEqual((port["name"], port["device"], port["state"]), ("COM1", bench.line, "unknown"))
+            self.assertEqual(bench.run("doctor PORT")[0], 0)
+            self.assertEqual(bench.proxy.accepted, 0)
+
+    def test_a_signal_ends_the_wait_for_a_server_that_says_nothing(self):
+        with Depot() as bench, socket.create_server(("127.0.0.1", 0)) as mute:
+            line = f"rfc2217://127.0.0.1:{mute.getsockname()[1]}"
+            run = subprocess.Popen([PROGRAM, "--json", "report", line], env=bench.environment(),
+                                   stdout=subprocess.PIPE, text=True)
+            client, _ = mute.accept()
+            with client:
+                client.recv(1)
+                start = time.monotonic()
+                run.send_signal(signal.SIGINT)
+                out, _ = run.communicate(timeout=60)
+            self.assertLess(time.monotonic() - start, 4.5, "the wait went on to its end")
+            result = json.loads(out.splitlines()[-1])
+            self.assertEqual((run.returncode, result["radio"]), (130, "untouched"), out)
+
+    def test_the_other_program_has_it_by_its_number(self):
+        with Depot(piece=100) as bench:
+            bench.program = OTHER_PROGRAM
+            self.assertEqual(bench.download(APPLICATION)[0], 0)
+            self.assertEqual(bench.outcome(), "Download successful")
+            self.assertFalse(lost_records(APPLICATION, bench.flash()[0]))
+
+
 if __name__ == "__main__":
-    unittest.main(argv=sys.argv[:1])
+    unittest.main(argv=sys.argv[:1], warnings="ignore")
