@@ -27,8 +27,8 @@ enum class SerialFailure : int {
 /// Opening, closing, a change of settings and output serve events where the line is another
 /// machine's: hold the object by a copy of its pointer meanwhile.
 ///
-/// A line that hangs up (an unplugged adapter, a connection that drops) delivers the bytes it had received; then every
-/// operation but closing fails, and a wait in IEvents ends at once.
+/// A line that hangs up (an unplugged adapter, a connection that drops) delivers the bytes it had
+/// received; then every operation but closing fails, and a wait in IEvents ends at once.
 class ISerialControl {
 public:
     virtual ~ISerialControl() = default;

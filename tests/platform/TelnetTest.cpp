@@ -18,7 +18,8 @@ QByteArray bytes(const char* hex)
     return QByteArray::fromHex(hex);
 }
 
-/// What was understood, as text: "data 41", "fd 2c", "[2c6500]". Data in one piece, however they come.
+/// What was understood, as text: "data 41", "fd 2c", "[2c6500]". Data in one piece, however they
+/// come.
 class Notes final : public telnet::IReceiver {
 public:
     void data(QByteArrayView part) override { m_data += part; }

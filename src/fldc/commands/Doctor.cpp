@@ -123,10 +123,13 @@ Check remoteCheck(const QString& device)
     if (!address)
         return {device, false, u"It names no line of another machine."_s,
                 u"Write rfc2217://HOST:PORT, an IPv6 address in brackets."_s};
-    return {device, true,
-            u"It is a line of another machine: %1, port %2. Whether it is there and free shows only "
-            "when it is opened."_s.arg(address->host).arg(address->port),
-            {}};
+    return {
+        device,
+        true,
+        u"It is a line of another machine: %1, port %2. Whether it is there and free shows only "
+        "when it is opened."_s.arg(address->host)
+            .arg(address->port),
+        {}};
 }
 
 void tell(Output& output, const Check& check)

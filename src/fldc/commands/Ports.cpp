@@ -35,7 +35,8 @@ void tellRemote(Output& output, const QString& name, const QString& device)
                                                     {"state"_L1, state},
                                                     {"pid"_L1, QJsonValue()},
                                                     {"program"_L1, QJsonValue()}}));
-    output.print(u"%1 %2 %3  %4\n"_s.arg(name, -7).arg(device, -20).arg(description, -24).arg(state));
+    output.print(
+        u"%1 %2 %3  %4\n"_s.arg(name, -7).arg(device, -20).arg(description, -24).arg(state));
 }
 
 QJsonObject portObject(const QString& name, const DeviceFacts& facts)

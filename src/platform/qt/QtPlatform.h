@@ -19,8 +19,8 @@ public:
     explicit QtPlatform(IMessageBox& messages)
         : m_ports(m_settings),
           m_serialControls(m_ports, m_events), m_platform{m_events,         m_timers,   m_clock,
-                                                m_files,          m_settings, m_ports,
-                                                m_serialControls, m_program,  messages}
+                                                          m_files,          m_settings, m_ports,
+                                                          m_serialControls, m_program,  messages}
     {
     }
     QtPlatform(const QtPlatform&) = delete;

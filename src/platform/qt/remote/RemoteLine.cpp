@@ -60,10 +60,7 @@ void keepAlive(QTcpSocket& socket)
     socket.setSocketOption(QAbstractSocket::KeepAliveOption, 1);
     const auto descriptor = static_cast<int>(socket.socketDescriptor());
     constexpr std::array<std::pair<int, int>, 4> options{{
-        {TCP_KEEPIDLE, 10},
-        {TCP_KEEPINTVL, 5},
-        {TCP_KEEPCNT, 3},
-        {TCP_USER_TIMEOUT, 25'000}, // ms
+        {TCP_KEEPIDLE, 10}, {TCP_KEEPINTVL, 5}, {TCP_KEEPCNT, 3}, {TCP_USER_TIMEOUT, 25'000}, // ms
     }};
     for (const auto& [option, value] : options)
         ::setsockopt(descriptor, IPPROTO_TCP, option, &value, sizeof value);
@@ -145,8 +142,8 @@ void RemoteLine::failOpening(int error) const
                               m_text + u": "_s +
                                   (m_errorText.isEmpty() ? u"no such address"_s : m_errorText));
     if (error == EPROTO)
-        throw PlatformFailure(error, m_text + u": the server offers no serial line (RFC 2217) "_s +
-                                         words);
+        throw PlatformFailure(error,
+                              m_text + u": the server offers no serial line (RFC 2217) "_s + words);
     throw PlatformFailure::fromErrno(error, words.isEmpty() ? m_text : m_text + u": "_s + words);
 }
 
@@ -174,7 +171,8 @@ void RemoteLine::configure(std::uint32_t speed)
     const auto asked = SteadyClock::now();
     askForEverything(speed);
     m_socket.flush();
-    const int error = await(answerLimit, [this] { return answered() && !discarding(); }, true);
+    const int error = await(
+        answerLimit, [this] { return answered() && !discarding(); }, true);
     if (error == ETIMEDOUT && answered())
         m_answersPurge = false; // its other answers are those that are needed
     else if (error != 0)

@@ -20,9 +20,8 @@ QByteArray Options::answer(std::uint8_t verb, std::uint8_t option)
     const bool on = verb == doIt || verb == will;
     const std::uint8_t yes = ours ? will : doIt;
     const std::uint8_t no = ours ? wont : dont;
-    auto* side = std::ranges::find_if(m_sides, [&](const Side& each) {
-        return each.ours == ours && each.option == option;
-    });
+    auto* side = std::ranges::find_if(
+        m_sides, [&](const Side& each) { return each.ours == ours && each.option == option; });
     if (side == m_sides.end())
         return on ? negotiation(no, option) : QByteArray();
     const State before = side->state;

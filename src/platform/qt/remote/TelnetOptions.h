@@ -19,8 +19,8 @@ public:
     /// What to answer; empty for nothing.
     [[nodiscard]] QByteArray answer(std::uint8_t verb, std::uint8_t option);
 
-    /// Everything that a serial line needs is agreed on. Go-ahead is not needed: a server that keeps
-    /// it sends a command now and then, which is passed over.
+    /// Everything that a serial line needs is agreed on. Go-ahead is not needed: a server that
+    /// keeps it sends a command now and then, which is passed over.
     [[nodiscard]] bool agreed() const;
     /// The other end refused something that is needed, at the beginning or later.
     [[nodiscard]] bool refused() const;

@@ -11,7 +11,8 @@ class SettingsFile;
 /// The machine's serial ports, asked afresh by every call: those that the section [Ports] of the
 /// settings file pins to a number (COM3=/dev/serial/by-id/…), then all others that the system has.
 /// The environment variable RV4100_FLDC_PORTS, when set, replaces the whole listing
-/// ("COM1=/dev/ttyUSB0;COM7=/dev/ttyS0"; empty: no ports). Either may name a line of another machine
+/// ("COM1=/dev/ttyUSB0;COM7=/dev/ttyS0"; empty: no ports). Either may name a line of another
+/// machine
 /// ("COM9=rfc2217://bench:2217"), of which nothing is known until it is opened: it is listed as
 /// available, and nobody is asked.
 ///

@@ -9,7 +9,8 @@ class PortListing;
 /// The port that a text means, or why it means none.
 struct ChosenPort {
     QString name;   ///< "COM3" for a numbered port, else the text itself
-    QString device; ///< path or remote line; empty when the text means no port. The device may be missing.
+    QString device; ///< path or remote line; empty when the text means no port. The device may be
+                    ///< missing.
     QString error;  ///< what is wrong with the text; empty when there is a device
     QString hint;   ///< what to do about it
 };

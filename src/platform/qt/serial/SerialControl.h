@@ -51,7 +51,10 @@ public:
     void setGiveUp(std::function<bool()> wanted) override { m_giveUp = std::move(wanted); }
     /// Who is told in words why a line of another machine can't be opened: its causes are more than
     /// the component's codes.
-    void setComplaint(std::function<void(const QString& why)> told) { m_complaint = std::move(told); }
+    void setComplaint(std::function<void(const QString& why)> told)
+    {
+        m_complaint = std::move(told);
+    }
 
 private:
     class Step;
