@@ -1,79 +1,39 @@
-// Calls of the published classes with values of every type. Each is carried out or refused, and a
-// property that was set has the value that it was set to.
+// Values of every type from the bus, taken for every type that a member may want. Each is refused,
+// or goes back over the bus as what it was taken for.
 
 #include "Fuzzing.h"
-#include "automation/PublishedClasses.h"
-#include "platform/ShowError.h"
+#include "automation/BusValue.h"
+#include "radio/clsRadio.h"
 
 using namespace fldc;
 
 namespace {
 
-struct Objects final : IObjectPaths {
-    std::vector<AnyObject> all;
+struct OneObject final : IObjectPaths {
+    const std::shared_ptr<clsRadio> radio = std::make_shared<clsRadio>();
 
     [[nodiscard]] QString pathOf(const AnyObject& object, const QString& /*client*/) override
     {
-        all.push_back(object);
-        return QStringLiteral("/%1").arg(all.size() - 1);
+        EXPECT_EQ(object.object, radio);
+        return QStringLiteral("/1");
     }
     [[nodiscard]] std::shared_ptr<void> objectAt(const QString& path, std::type_index type) override
     {
-        const auto at = QStringView(path).mid(1).toUInt();
-        if (at >= all.size() || all[at].type != type)
-            throw PlatformFailure(FailureNumber::TypeMismatch);
-        return all[at].object;
+        EXPECT_EQ(type, std::type_index(typeid(clsRadio)));
+        return path == u"/1" ? radio : throw PlatformFailure(FailureNumber::InvalidArgument);
     }
 };
 
-// One that a signature asks for, or another.
-QVariant anyValue(FuzzedDataProvider& fuzz, QChar signature)
+template <class T>
+void take(const QVariant& value, const Call& call)
 {
-    const auto number = fuzz.ConsumeBool() ? fuzz.ConsumeIntegral<qint64>()
-                                           : fuzz.ConsumeIntegralInRange<qint64>(-2, 5);
-    const QString text = QString::fromStdString(fuzz.ConsumeRandomLengthString(40));
-    const QDBusObjectPath path(QStringLiteral("/%1").arg(static_cast<quint32>(number)));
-    const std::pair<char16_t, QVariant> values[]{
-        {u'n', QVariant::fromValue(static_cast<qint16>(number))},
-        {u'i', static_cast<qint32>(number)},
-        {u's', text},
-        {u'b', number > 0},
-        {u'o', QVariant::fromValue(path)},
-        {u'v', QVariant::fromValue(QDBusVariant(number > 0 ? QVariant(number) : QVariant(text)))},
-        {u'x', number},
-        {u't', static_cast<quint64>(number)},
-    };
-    if (fuzz.ConsumeIntegralInRange(0, 9) == 0)
-        return values[fuzz.ConsumeIntegralInRange(0, 7)].second;
-    return std::ranges::find(values, signature, &std::pair<char16_t, QVariant>::first)->second;
-}
-
-void useProperty(const BoundProperty& property, void* object, const Call& call,
-                 const QVariant& value)
-{
-    if (property.set)
-        property.set(object, call, value);
-    const QVariant now = property.get(object, call);
-    if (property.set && (property.type == u"n" || property.type == u"i"))
-        EXPECT_EQ(wholeNumber(now), wholeNumber(value));
-    else if (property.set && property.type != u"o")
-        EXPECT_EQ(now, value);
-}
-
-void useMember(const AnyObject& object, const BoundClass& bound, const Call& call,
-               FuzzedDataProvider& fuzz)
-{
-    QVariantList arguments;
-    if (fuzz.ConsumeBool() && !bound.properties().isEmpty()) {
-        const auto each = bound.properties().values();
-        const auto& property = each[fuzz.ConsumeIntegralInRange<qsizetype>(0, each.size() - 1)];
-        useProperty(property, object.object.get(), call, anyValue(fuzz, property.type[0]));
-    } else if (!bound.methods().isEmpty()) {
-        const auto each = bound.methods().values();
-        const auto& method = each[fuzz.ConsumeIntegralInRange<qsizetype>(0, each.size() - 1)];
-        for (const QChar signature : method.in)
-            arguments.append(anyValue(fuzz, signature));
-        (void)method.invoke(object.object.get(), call, arguments);
+    try {
+        const T taken = BusType<T>::fromBus(value, call);
+        if constexpr (std::is_same_v<T, std::int16_t> || std::is_same_v<T, std::int32_t>)
+            EXPECT_EQ(qint64{taken}, wholeNumber(value));
+        if constexpr (!std::is_same_v<T, IndexOrKey>)
+            EXPECT_TRUE(BusType<T>::fromBus(BusType<T>::toBus(taken, call), call) == taken);
+    } catch (const PlatformFailure&) { // refused
     }
 }
 
@@ -81,23 +41,31 @@ void useMember(const AnyObject& object, const BoundClass& bound, const Call& cal
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t size)
 {
-    static const std::vector<BoundClass> classes = supportingClasses();
     FuzzedDataProvider fuzz(bytes, size);
-    Objects objects;
+    OneObject objects;
     const Call call{objects, {}};
-    AnyMessages messages;
-    const ErrorBoxScope scope(messages);
-    for (const BoundClass& bound : classes) {
-        if (bound.create())
-            objects.all.push_back({bound.type(), bound.create()()});
-    }
-    while (fuzz.remaining_bytes() > 0) {
-        const auto at = fuzz.ConsumeIntegralInRange<std::size_t>(0, objects.all.size() - 1);
-        const AnyObject object = objects.all[at];
-        try {
-            useMember(object, *std::ranges::find(classes, object.type, &BoundClass::type), call,
-                      fuzz);
-        } catch (const PlatformFailure&) { // refused
+    const auto number = fuzz.ConsumeIntegral<qint64>() >> fuzz.ConsumeIntegralInRange(0, 63);
+    const QString text = QString::fromStdString(fuzz.ConsumeRandomLengthString());
+    const QDBusObjectPath path(QStringLiteral("/%1").arg(static_cast<quint32>(number)));
+    const QVariant values[]{QVariant(),      text,
+                            text.toLatin1(), number > 0,
+                            number,          static_cast<quint64>(number),
+                            qint32(number),  static_cast<quint32>(number),
+                            double(number),  QVariant::fromValue(static_cast<qint16>(number)),
+                            QStringList(),   QVariant::fromValue(static_cast<quint16>(number)),
+                            QVariantMap(),   QVariant::fromValue(static_cast<uchar>(number)),
+                            QVariantList(),  QVariant::fromValue(path)};
+    for (const QVariant& plain : values) {
+        for (const QVariant& value : {plain, QVariant::fromValue(QDBusVariant(plain))}) {
+            take<std::int16_t>(value, call);
+            take<std::int32_t>(value, call);
+            take<quint32>(value, call);
+            take<bool>(value, call);
+            take<double>(value, call);
+            take<QString>(value, call);
+            take<QByteArray>(value, call);
+            take<IndexOrKey>(value, call);
+            take<std::shared_ptr<clsRadio>>(value, call);
         }
     }
     return 0;
