@@ -117,29 +117,4 @@ TEST(DataBlocks, BestCompressionLosesNothing)
     EXPECT_TRUE(everShorter);
 }
 
-TEST(DataBlocks, DeliverChunksInOrder)
-{
-    struct Case {
-        std::size_t bytes;
-        std::vector<qsizetype> chunks;
-    };
-    for (const Case& one : {Case{1020, {510, 510}}, Case{600, {510, 90}}, Case{511, {510, 2}}}) {
-        colDataBlocks blocks;
-        for (std::size_t i = 0; i < one.bytes; ++i)
-            blocks.AddBytes(std::vector{static_cast<std::uint8_t>(i * 7)});
-        blocks.FinishUncompressed();
-        QByteArray all;
-        QByteArray chunk;
-        std::int32_t length = 510;
-        for (const qsizetype size : one.chunks) {
-            ASSERT_TRUE(blocks.GetNextChunk(length, false, chunk));
-            EXPECT_EQ(chunk.size(), size);
-            EXPECT_EQ(std::exchange(length, 510), size);
-            all += chunk;
-        }
-        EXPECT_EQ(all, blocks.data());
-        EXPECT_FALSE(blocks.GetNextChunk(length, false, chunk));
-    }
-}
-
 } // namespace fldc::test

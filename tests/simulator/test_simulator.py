@@ -29,12 +29,6 @@ def frame(code, data=""):
     return body + (0xFFFF - words % 0x10000).to_bytes(2, "big")
 
 
-def product(record):
-    """The product text of a configuration record that ends it with a zero word."""
-    words = [record[i:i + 2] for i in range(2, len(record), 2)]
-    return "".join(chr(word[1]) for word in words[:words.index(b"\0\0")])
-
-
 class Radio:
     """A running simulator and the host's end of its line."""
 
@@ -196,35 +190,6 @@ class Dialogues(unittest.TestCase):
 
 
 class Memory(unittest.TestCase):
-    def test_plain_write_in_words_kept_for_the_next_run(self):
-        with commanded("rv4200") as radio:
-            self.assertEqual(radio.ask(frame("3E"), 24), bytes.fromhex(
-                "5209 0002 00000000 0010 0007 00008000 0080 000E 2D4F AFAF"))
-            # Components, unlocking, erasing and writing across the blocks 8 and 9.
-            self.assertEqual(radio.ask(frame("42", b"\0\0" + "JHA2F-2.00".encode("utf-16-be"))), DONE)
-            self.assertEqual(radio.ask(frame("32", "00080009")), DONE)
-            self.assertEqual(radio.ask(frame("33", "00080009"), 6), bytes.fromhex("AEAEAEAEAFAF"))
-            self.assertEqual(radio.ask(frame("34", "0000FFFF")), DONE)
-            self.assertEqual(radio.ask(frame("35", "01020304")), DONE)
-            self.assertEqual(radio.ask(frame("35", "0506")), DONE)
-            self.assertEqual(radio.ask(frame("39", "00080009")), DONE)
-            records = radio.components()
-            # Product, zero, address, status, network and device.
-            self.assertEqual(records[2][2:], "JHA2F-2.00".encode("utf-16-be") + bytes.fromhex(
-                "0000 0000FFFF 0000 0000"))
-            self.assertEqual([product(record) for record in records],
-                             ["RVKC4-02", "JHA2B-1.04", "JHA2F-2.00", "SHA2A-1.00", "JHA2A-1.02"])
-            self.assertEqual(radio.end()[0], 0)
-            flash = pathlib.Path(radio.flash_path).read_bytes()
-            self.assertEqual(len(flash), 2 * 0x80000 + 2 * 0x20000)
-            self.assertEqual(flash[2 * 0xFFFF - 1:2 * 0xFFFF + 7], bytes.fromhex("FF010203040506FF"))
-            self.assertEqual(flash[2 * 0x8000:2 * 0xFFFF], b"\xFF" * (2 * 0x7FFF))
-            self.assertEqual(flash[2 * 0x8000 - 4:2 * 0x8000], b"... ")
-            with commanded("rv4200", "--flash-in", radio.flash_path) as again:
-                self.assertEqual(product(again.components()[2]), "JHA2F-2.00")
-                again.end()
-                self.assertEqual(pathlib.Path(again.flash_path).read_bytes(), flash)
-
     def test_stream_that_stops_or_breaks(self):
         stream = zlib.compress(bytes(n * n % 251 for n in range(3000)))
         pad = bytes(len(stream) % 2)

@@ -8,7 +8,6 @@
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QMessageBox>
-#include <QPointer>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -28,35 +27,6 @@ QFileDialog* shownDialog()
             return qobject_cast<QFileDialog*>(each);
     }
     return nullptr;
-}
-
-TEST(FileDialogsTest, SeveralExistingFilesCanBeChosen)
-{
-    const QTemporaryDir folder;
-    const QStringList paths{folder.filePath(QStringLiteral("a.srec")),
-                            folder.filePath(QStringLiteral("b.srec"))};
-    for (const QString& path : paths)
-        ASSERT_TRUE(QFile(path).open(QIODevice::WriteOnly));
-    std::vector<std::optional<QStringList>> answers;
-    FileDialogs dialogs;
-    // The text that the program keeps has `\` between folders.
-    dialogs.chooseFilesToOpen(
-        {QString(paths.at(0)).replace(u'/', u'\\'), QString::fromUtf16(filter)},
-        [&](const auto& answer) { answers.push_back(answer); });
-    QFileDialog* dialog = shownDialog();
-    ASSERT_NE(dialog, nullptr);
-    EXPECT_EQ(dialog->selectedFiles(), QStringList(paths.at(0)));
-    EXPECT_EQ(dialog->fileMode(), QFileDialog::ExistingFiles);
-    EXPECT_EQ(dialog->nameFilters(), (QStringList{QStringLiteral("S records (*.srec *.s1)"),
-                                                  QStringLiteral("All files (*)")}));
-    dialog->findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))
-        ->setText(QStringLiteral("\"a.srec\" \"b.srec\""));
-    const QPointer<QFileDialog> alive(dialog);
-    QMetaObject::invokeMethod(dialog, "accept");
-    EXPECT_TRUE(answers.empty()) << "the dialog is still at work";
-    EXPECT_TRUE(QTest::qWaitFor([&] { return alive.isNull() && !answers.empty(); }));
-    ASSERT_EQ(answers.size(), 1U);
-    EXPECT_EQ(answers.at(0), paths);
 }
 
 TEST(FileDialogsTest, SavingAsksBeforeAFileIsReplacedAndCancelIsAnAnswer)

@@ -102,38 +102,6 @@ TEST_F(MainWindowTest, ATypedSpeedSelectsNoEntry)
     EXPECT_EQ(window.lock()->baudRateIndex(), 3);
 }
 
-TEST_F(MainWindowTest, RowsAreMarkedByClickAndSpace)
-{
-    start();
-    fill({QStringLiteral("A"), QStringLiteral("B"), QStringLiteral("C"), QStringLiteral("D"),
-          QStringLiteral("E")},
-         "01101");
-    const auto marks = [this] { return window.lock()->configurations().eraseList(); };
-    clickRow(0);
-    EXPECT_EQ(marks(), QString()) << "can't be erased";
-    EXPECT_EQ(enabled(), QStringLiteral("cboPort cmdConfig cmdDownload"));
-    clickRow(1);
-    clickRow(4);
-    EXPECT_EQ(marks(), QStringLiteral("2|5|"));
-    EXPECT_EQ(enabled(), QStringLiteral("cboPort cmdConfig cmdDownload cmdErase"));
-    auto* list = control<QTreeWidget>("ListView1");
-    const auto cacheKey = [list](int row) { return list->topLevelItem(row)->icon(0).cacheKey(); };
-    EXPECT_FALSE(list->topLevelItem(0)->icon(0).isNull()) << "its text begins where the others do";
-    EXPECT_NE(cacheKey(0), cacheKey(2));
-    EXPECT_EQ(cacheKey(1), cacheKey(4));
-    EXPECT_NE(cacheKey(1), cacheKey(2));
-    EXPECT_EQ(list->topLevelItem(4)->checkState(0), Qt::Checked) << "for screen readers";
-    EXPECT_EQ(list->topLevelItem(2)->checkState(0), Qt::Unchecked);
-
-    QTest::keyClick(list, Qt::Key_Space);
-    EXPECT_EQ(marks(), QStringLiteral("2|"));
-    clickRow(1);
-    EXPECT_EQ(enabled(), QStringLiteral("cboPort cmdConfig cmdDownload")) << "the last mark went";
-    const QPoint third = list->visualItemRect(list->topLevelItem(2)).center();
-    QTest::mouseDClick(list->viewport(), Qt::RightButton, {}, third);
-    EXPECT_EQ(marks(), QString());
-}
-
 TEST_F(MainWindowTest, ColumnsFollowTheReportAndTheUser)
 {
     start();

@@ -3,11 +3,8 @@
 #include "shared/LastError.h"
 
 #include <QApplication>
-#include <QDialog>
 #include <QDragEnterEvent>
 #include <QMimeData>
-#include <QPlainTextEdit>
-#include <QPushButton>
 #include <QTest>
 #include <QTreeWidget>
 
@@ -19,12 +16,7 @@ namespace {
 using namespace std::chrono_literals;
 using OperationsTest = WindowTest;
 
-constexpr auto fast = "> 30 01 00 60 CF 9E\n@ 115200\n< AF AF\n";
 constexpr auto idle = "cboPort cmdConfig cmdDownload";
-
-// An image for hardware that the radio has not.
-constexpr auto foreignFirmware = "DW 8\nMD \"RVKC9\",0\nS00000004A4841325800\n"
-                                 "S206010000123400\nS804000000FB\n";
 
 QString filePath(const char* name)
 {
@@ -90,34 +82,6 @@ TEST_F(OperationsTest, AnUnexpectedFailureIsShownAndTheButtonsComeBack)
         EXPECT_FALSE(window.lock()->busy());
     }
     window.lock()->setDownLoadManager(manager.get());
-}
-
-TEST_F(OperationsTest, ADownloadAsksForFilesAndTellsWhatIsLeft)
-{
-    machine.settings.values[QStringLiteral("LastFile")] = QStringLiteral("/fw/last.srec");
-    for (const char* name : {"a.srec", "b.srec"})
-        machine.files.files[QStringLiteral("/fw\\") + QString::fromLatin1(name)].content =
-            foreignFirmware;
-    start();
-    dialogs.answers.emplace_back(QStringList{filePath("a.srec"), filePath("b.srec")});
-    play({logOn, fast, askForReport, answerReport, askForReport, answerReport, restart});
-    click("cmdDownload");
-    EXPECT_EQ(dialogs.asked,
-              QStringList(QStringLiteral("open:/fw/last.srec:S records|*.srec;*.s1;*.s2;*.s3;*.s4|"
-                                         "All files|*.*")));
-    EXPECT_EQ(status(), QStringLiteral("Download successful"));
-    EXPECT_EQ(enabled(), QString::fromLatin1(idle));
-    EXPECT_EQ(view->focusWidget(), control("cmdDownload"));
-
-    auto* report = control<QDialog>("frmReportDialog");
-    EXPECT_TRUE(report->isModal());
-    EXPECT_EQ(report->findChild<QPlainTextEdit*>()->toPlainText(),
-              QStringLiteral("Some of the files selected for download have not been successfully "
-                             "downloaded. The following items have not been downloaded to any "
-                             "device:\nJHA2X\nJHA2X\n"));
-    EXPECT_FALSE(view->close()) << "busy until the report has been read";
-    QTest::mouseClick(report->findChild<QPushButton*>(), Qt::LeftButton);
-    EXPECT_FALSE(window.lock()->busy());
 }
 
 TEST_F(OperationsTest, WithoutFilesNothingIsSent)
