@@ -108,6 +108,8 @@ protected:
 // Conversations: a radio with own software that reports one component, and restarts.
 inline constexpr auto logOn = "@ ..\n@ 19200\n> 5E\n< 76\n> 7E\n< 2A\n< 3F\n< AF AF\n";
 inline constexpr auto askForReport = "> 31 00 CE FF\n";
+inline constexpr auto answerReport =
+    "< 43 0A 00 52 00 56 00 4B 00 42 00 31 00 00 00 00 00 00 00 00 05 00 B6 8F\n< AF AF\n";
 inline constexpr auto restart = "> 36 00 C9 FF\n@ 19200\n< 76\n";
 
 } // namespace fldc
