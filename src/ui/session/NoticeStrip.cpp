@@ -15,7 +15,7 @@ namespace fldc {
 namespace {
 
 constexpr int signPixels = 24;
-constexpr int buttonMargin = 14;
+constexpr int noticeButtonMargin = 14;
 
 // A colour alone would not tell them apart.
 constexpr std::array signs{QStyle::SP_DialogApplyButton, QStyle::SP_MessageBoxWarning,
@@ -62,8 +62,8 @@ QPushButton* NoticeStrip::makeButton(const QString& name, const QString& text)
 {
     auto* button = new QPushButton(text, this);
     button->setObjectName(name);
-    button->setFixedSize(button->fontMetrics().horizontalAdvance(text) + buttonMargin,
-                         button->fontMetrics().height() + buttonMargin / 2);
+    button->setFixedSize(button->fontMetrics().horizontalAdvance(text) + noticeButtonMargin,
+                         button->fontMetrics().height() + noticeButtonMargin / 2);
     return button;
 }
 
