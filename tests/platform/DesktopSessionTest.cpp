@@ -55,6 +55,8 @@ protected:
         m_address = QString::fromLatin1(address.trimmed());
         EXPECT_TRUE(standIn.lock.open());
     }
+
+public:
     ~DesktopSessionTest() override
     {
         for (const char* name : {"services", "program"})
@@ -62,6 +64,8 @@ protected:
         m_daemon.kill();
         m_daemon.waitForFinished();
     }
+
+protected:
     QDBusConnection connectAs(const char* name)
     {
         return QDBusConnection::connectToBus(m_address, QString::fromLatin1(name));
