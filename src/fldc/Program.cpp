@@ -103,8 +103,15 @@ Outcome Program::runCommand(const SignalWatch& signalWatch)
                                  ? std::nullopt
                                  : namePort(m_line.options, use == PortUse::Needed, port);
     files.read(m_line.options.files, wantsEnd);
-    Context context{m_line.options, m_output,     port,     files,
-                    platform,       m_outputLoss, wantsEnd, tellStarted(port, files),
+    Context context{m_line.options,
+                    m_output,
+                    port,
+                    files,
+                    platform,
+                    m_outputLoss,
+                    wantsEnd,
+                    [&] { return signalWatch.received(); },
+                    tellStarted(port, files),
                     m_beforeResult};
     return portFailure ? *portFailure : m_line.command->run(context);
 }

@@ -30,7 +30,8 @@ struct Context {
     OutputLoss& outputLoss;
     /// True once the run is to end: a signal came, or standard output was lost before an erase.
     std::function<bool()> wantsEnd;
-    QJsonObject started; ///< the line that was told at the start
+    std::function<int()> signal; ///< the one that came, 0 for none
+    QJsonObject started;         ///< the line that was told at the start
     /// Called when the result is known and about to be told; what it throws makes the run end with
     /// exit code 10 where nothing worse has happened. What it needs must outlive the command.
     std::function<void(const QJsonObject& result)>& beforeResult;

@@ -11,9 +11,11 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QJsonDocument>
 
 #include <algorithm>
 #include <chrono>
+#include <csignal>
 
 namespace fldc::cli {
 
@@ -34,6 +36,14 @@ void append(QStringList& arguments, const char* option, const std::optional<std:
 {
     if (value)
         arguments += {QString::fromLatin1(option), textOf(*value)};
+}
+
+// No radio, or no device of its line. A fault of one that answers is none, nor is a port in use.
+bool isSilence(const ChildProcess::Ended& outcome, const QString& device)
+{
+    const auto is = [&](Exit exit) { return outcome.exitCode == static_cast<int>(exit); };
+    return !outcome.crashed &&
+           (is(Exit::NoConversation) || (is(Exit::Port) && !QFile::exists(device)));
 }
 
 } // namespace
@@ -79,9 +89,15 @@ Outcome Gang::run()
 void Gang::startWhatIsDue()
 {
     for (std::size_t i = 0; i < m_units.size(); ++i) {
-        if (m_places[i].isDue && !m_isEnding)
+        if (m_places[i].isDue && !startsNoMore())
             start(i);
     }
+}
+
+// Radios that are being written are completed when nobody hears of it any more; no other follows.
+bool Gang::startsNoMore() const
+{
+    return m_isEnding || m_context.outputLoss.isLost();
 }
 
 void Gang::start(std::size_t index)
@@ -92,7 +108,7 @@ void Gang::start(std::size_t index)
     m_places[index].isDue = false;
     m_places[index].isEmpty = false;
     Unit& unit = *m_units[index];
-    unit.start(argumentsOf(unit.port().device, *label), *label);
+    unit.start(argumentsOf(unit.port().name, *label), *label);
 }
 
 // Nothing while the label is still to be read.
@@ -119,7 +135,7 @@ void Gang::takeLabel(const std::optional<QString>& label)
         m_labels.push_back(*label);
 }
 
-QStringList Gang::argumentsOf(const QString& device, const QString& label) const
+QStringList Gang::argumentsOf(const QString& port, const QString& label) const
 {
     const Options& options = m_context.options;
     QStringList arguments{u"download"_s, u"--speed"_s, textOf(options.speed)};
@@ -129,7 +145,7 @@ QStringList Gang::argumentsOf(const QString& device, const QString& label) const
     if (options.powerCycleWait)
         arguments += {u"--power-cycle-wait"_s, QString::number(*options.powerCycleWait)};
     if (options.log)
-        arguments += {u"--log"_s, textOf(*options.log) + u'-' + device.section(u'/', -1)};
+        arguments += {u"--log"_s, textOf(*options.log) + u'-' + port.section(u'/', -1)};
     if (options.specialLogOn)
         arguments += u"--special-log-on"_s;
     if (options.allowFpga)
@@ -138,7 +154,7 @@ QStringList Gang::argumentsOf(const QString& device, const QString& label) const
         arguments += u"--job="_s + textOf(options.job);
     if (!label.isEmpty())
         arguments += u"--unit="_s + label;
-    arguments += {u"--"_s, device};
+    arguments += {u"--"_s, port};
     for (const std::string& file : options.files)
         arguments += textOf(file);
     return arguments;
@@ -152,7 +168,9 @@ void Gang::tell(const QString& type, const QJsonObject& object)
 
 void Gang::ended(const Unit& unit)
 {
-    const UnitResult& result = *unit.result();
+    UnitResult result = *unit.result();
+    if (m_context.signal() == 0 && result.exit == Exit::Terminated)
+        result.exit = Exit::OutputLost; // this program has ended it, because of that
     ++(result.passed() ? m_counts.passed : m_counts.failed);
     if (!m_foremost || foremost(m_foremost->exit, result.exit) != m_foremost->exit) {
         m_foremost = result;
@@ -165,14 +183,11 @@ void Gang::ended(const Unit& unit)
 // With --repeat: whether the radios that are done are still there.
 void Gang::look()
 {
-    for (std::size_t i = 0; i < m_units.size() && !m_isEnding; ++i) {
-        Place& place = m_places[i];
-        if (m_units[i]->isRunning() || place.isDue || place.probe)
-            continue;
-        if (QFile::exists(m_units[i]->port().device))
+    m_context.output.checkReader();
+    for (std::size_t i = 0; i < m_units.size() && !startsNoMore(); ++i) {
+        const Place& place = m_places[i];
+        if (!m_units[i]->isRunning() && !place.isDue && !place.probe)
             probe(i);
-        else
-            place.isEmpty = true;
     }
 }
 
@@ -180,9 +195,14 @@ void Gang::probe(std::size_t index)
 {
     QStringList arguments{u"--json"_s, u"report"_s, u"--power-cycle-wait"_s, u"0"_s};
     append(arguments, "--boot-files", m_context.options.bootFiles);
-    arguments += {u"--"_s, m_units[index]->port().device};
+    arguments += {u"--"_s, m_units[index]->port().name};
+    m_places[index].hasAnswered = false;
     m_places[index].probe = std::make_unique<ChildProcess>(
-        [](const QByteArray&) {},
+        [this, index](const QByteArray& line) {
+            const QString type = QJsonDocument::fromJson(line)["type"_L1].toString();
+            m_places[index].hasAnswered |=
+                type == kind::radio.name || type == kind::unexpected.name;
+        },
         [this, index](const ChildProcess::Ended& outcome) { probed(index, outcome); });
     m_places[index].probe->start(QCoreApplication::applicationFilePath(), arguments);
 }
@@ -194,9 +214,9 @@ void Gang::probed(std::size_t index, const ChildProcess::Ended& outcome)
     std::shared_ptr<ChildProcess> done(std::move(place.probe));
     QMetaObject::invokeMethod(
         QCoreApplication::instance(), [done] {}, Qt::QueuedConnection);
-    const bool answers = !outcome.crashed && outcome.exitCode == static_cast<int>(Exit::Done);
-    place.isDue = answers && place.isEmpty;
-    place.isEmpty = !answers;
+    const bool isGood = !outcome.crashed && outcome.exitCode == static_cast<int>(Exit::Done);
+    place.isDue = isGood && place.isEmpty;
+    place.isEmpty = isSilence(outcome, m_units[index]->port().device) && !place.hasAnswered;
 }
 
 void Gang::showBoard()
@@ -209,11 +229,12 @@ void Gang::showBoard()
 void Gang::endAll()
 {
     m_isEnding = true;
+    const int signal = m_context.signal() == 0 ? SIGTERM : m_context.signal();
     for (const auto& unit : m_units)
-        unit->askToEnd();
+        unit->askToEnd(signal);
     for (const Place& place : m_places) {
         if (place.probe)
-            place.probe->askToEnd();
+            place.probe->askToEnd(signal);
     }
 }
 
@@ -222,7 +243,7 @@ bool Gang::isDone() const
     const bool anyRuns =
         std::ranges::any_of(m_units, [](const auto& unit) { return unit->isRunning(); }) ||
         std::ranges::any_of(m_places, [](const Place& place) { return place.probe != nullptr; });
-    if (anyRuns || m_isEnding)
+    if (anyRuns || startsNoMore())
         return !anyRuns;
     const bool noLabel = m_noMoreLabels && m_labels.empty();
     const bool anyDue = std::ranges::any_of(m_places, &Place::isDue) && !noLabel;
@@ -236,11 +257,12 @@ Outcome Gang::outcome() const
     const auto missing = std::ranges::count_if(m_places, &Place::isDue);
     if (m_foremost) {
         outcome.exit = m_foremost->exit;
+        outcome.code = static_cast<Code>(m_foremost->code);
         outcome.radio = m_foremost->radio;
         if (!m_foremost->passed())
             outcome.advice = m_foremostPort + u": "_s + m_foremost->advice;
     }
-    if (missing > 0 && !m_isEnding) {
+    if (missing > 0 && !startsNoMore()) {
         outcome.message += u" %1 were not started: no label was read for them."_s.arg(missing);
         outcome.exit = foremost(outcome.exit, Exit::NothingToDo);
     }

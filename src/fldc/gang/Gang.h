@@ -37,11 +37,13 @@ private:
     /// A place of the rack.
     struct Place {
         std::unique_ptr<ChildProcess> probe; ///< asks whether a radio is there
+        bool hasAnswered = false;            ///< something answered that question
         bool isEmpty = true;                 ///< the next answer is the next radio's
         bool isDue = true;                   ///< a download is to be started
     };
 
     void startWhatIsDue();
+    [[nodiscard]] bool startsNoMore() const;
     void start(std::size_t index);
     [[nodiscard]] std::optional<QString> nextLabel();
     void takeLabel(const std::optional<QString>& label);
@@ -54,7 +56,7 @@ private:
     void endAll();
     [[nodiscard]] bool isDone() const;
     [[nodiscard]] Outcome outcome() const;
-    [[nodiscard]] QStringList argumentsOf(const QString& device, const QString& label) const;
+    [[nodiscard]] QStringList argumentsOf(const QString& port, const QString& label) const;
 
     Context& m_context;
     std::vector<std::unique_ptr<Unit>> m_units;

@@ -40,8 +40,9 @@ std::optional<Outcome> namePorts(const Context& context, std::vector<NamedPort>&
         NamedPort port;
         if (auto ended = namePort(one, true, port))
             return ended;
-        const QString real = QFileInfo(port.device).canonicalFilePath();
-        if (devices.contains(real) && !real.isEmpty())
+        const QString found = QFileInfo(port.device).canonicalFilePath();
+        const QString real = found.isEmpty() ? port.device : found;
+        if (devices.contains(real))
             return usageError(u"Two of the ports named are one: "_s + oneLine(port.device) + u'.',
                               u"Name each port once."_s);
         devices.append(real);

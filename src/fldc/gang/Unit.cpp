@@ -56,6 +56,7 @@ void Unit::start(const QStringList& arguments, const QString& label)
     m_progress = {u"starting"_s, 0, 0, {}};
     m_result.reset();
     m_mayHaveErased = false;
+    m_hasStarted = false;
     m_hasLoggedOn = false;
     m_process =
         std::make_shared<ChildProcess>([this](const QByteArray& line) { take(line); },
@@ -63,10 +64,10 @@ void Unit::start(const QStringList& arguments, const QString& label)
     m_process->start(programPath(), QStringList{u"--json"_s} + arguments);
 }
 
-void Unit::askToEnd()
+void Unit::askToEnd(int signal)
 {
     if (m_process)
-        m_process->askToEnd();
+        m_process->askToEnd(signal);
 }
 
 void Unit::take(const QByteArray& line)
@@ -89,6 +90,7 @@ void Unit::follow(const QString& type, const QJsonObject& object)
     });
     if (step != stepTexts.end())
         m_progress.step = step->text.toString();
+    m_hasStarted = m_hasStarted || type == kind::started.name;
     m_hasLoggedOn = m_hasLoggedOn || type == kind::radio.name;
     if (type == kind::blocks.name && !std::exchange(m_mayHaveErased, true))
         m_surroundings.eraseBegins();
@@ -101,8 +103,8 @@ void Unit::follow(const QString& type, const QJsonObject& object)
     }
     if (type == kind::result.name)
         m_result = UnitResult{static_cast<Exit>(object["exit"_L1].toInt()),
-                              object["message"_L1].toString(), object["advice"_L1].toString(),
-                              object["radio"_L1].toString()};
+                              object["code"_L1].toInt(), object["message"_L1].toString(),
+                              object["advice"_L1].toString(), object["radio"_L1].toString()};
 }
 
 void Unit::end(const ChildProcess::Ended& ended)
@@ -113,7 +115,7 @@ void Unit::end(const ChildProcess::Ended& ended)
                                                 {"command"_L1, u"download"_s},
                                                 {"ok"_L1, false},
                                                 {"exit"_L1, static_cast<int>(m_result->exit)},
-                                                {"code"_L1, static_cast<int>(Code::RuntimeError)},
+                                                {"code"_L1, m_result->code},
                                                 {"message"_L1, m_result->message},
                                                 {"advice"_L1, m_result->advice},
                                                 {"radio"_L1, m_result->radio},
@@ -130,12 +132,20 @@ void Unit::end(const ChildProcess::Ended& ended)
 UnitResult Unit::resultWithout(const ChildProcess::Ended& ended) const
 {
     const QString how = ended.failure.isEmpty() ? u"it was killed or has crashed"_s : ended.failure;
-    return {m_mayHaveErased ? Exit::Incomplete : Exit::Unexpected,
-            u"The process of this unit ended without a result: "_s + how + u'.',
-            m_mayHaveErased ? u"Download again before the radio is used."_s
-                            : u"Switch the radio off and on, then download again."_s,
-            m_mayHaveErased ? u"partly-written"_s
-                            : (m_hasLoggedOn ? u"upgrade-mode"_s : u"reset"_s)};
+    UnitResult result{Exit::Unexpected, static_cast<int>(Code::RuntimeError),
+                      u"The process of this unit ended without a result: "_s + how + u'.',
+                      u"Switch the radio off and on, then download again."_s, u"reset"_s};
+    if (m_mayHaveErased) {
+        result.exit = Exit::Incomplete;
+        result.advice = u"Download again before the radio is used."_s;
+        result.radio = u"partly-written"_s;
+    } else if (!m_hasStarted) {
+        result.advice = u"Start it again."_s;
+        result.radio = u"untouched"_s;
+    } else if (m_hasLoggedOn) {
+        result.radio = u"upgrade-mode"_s;
+    }
+    return result;
 }
 
 } // namespace fldc::cli

@@ -17,6 +17,7 @@ namespace fldc::cli {
 /// How a unit's download ended, as its own result line says; without one, what is known.
 struct UnitResult {
     Exit exit = Exit::Unexpected;
+    int code = 0; ///< the component's
     QString message;
     QString advice;
     QString radio;
@@ -55,7 +56,7 @@ public:
 
     /// @p arguments: of `fldc --json`, the port included. @p label: the radio's name.
     void start(const QStringList& arguments, const QString& label);
-    void askToEnd();
+    void askToEnd(int signal);
 
 private:
     void take(const QByteArray& line);
@@ -68,6 +69,7 @@ private:
     QString m_label;
     UnitProgress m_progress;
     bool m_mayHaveErased = false;
+    bool m_hasStarted = false; ///< its line may have been opened
     bool m_hasLoggedOn = false;
     std::optional<UnitResult> m_result;
     std::shared_ptr<ChildProcess> m_process;

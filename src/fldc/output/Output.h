@@ -33,6 +33,8 @@ public:
     /// The result: in JSON the last line; for people message and advice, on standard error when
     /// the run failed. Nothing that is told afterwards is printed.
     void tellResult(const QJsonObject& object, const Outcome& outcome);
+    /// Notices a reader of standard output that has gone while a run has nothing to tell.
+    void checkReader() { m_standard.checkReader(); }
     /// Waits until everything is written; false when @p wakeDescriptor became readable first.
     bool finish(int wakeDescriptor, bool isEnding);
 

@@ -49,6 +49,13 @@ void OutputStream::write(const QByteArray& text) noexcept
     }
 }
 
+void OutputStream::checkReader() noexcept
+{
+    pollfd state{m_descriptor, 0, 0};
+    if (m_error == 0 && uninterrupted([&] { return ::poll(&state, 1, 0); }) == 1)
+        lose(EPIPE);
+}
+
 // True when there is more to write and the output takes more now.
 bool OutputStream::writeWhatFits()
 {

@@ -18,6 +18,8 @@ public:
 
     /// Never throws and never blocks on a terminal or a pipe.
     void write(const QByteArray& text) noexcept;
+    /// Notices a reader that has gone while there is nothing to write.
+    void checkReader() noexcept;
     /// Writes what is left, waiting for the reader. False when @p wakeDescriptor became readable
     /// first (a signal: nobody wants the rest). @p isEnding: a signal has ended the run already;
     /// then also false when the reader takes nothing for 5 seconds.

@@ -3,6 +3,7 @@
 #include <array>
 #include <utility>
 
+#include <csignal>
 #include <unistd.h>
 
 namespace fldc {
@@ -18,6 +19,7 @@ ChildProcess::ChildProcess(std::function<void(const QByteArray&)> onLine,
                      [this] { readLines(); });
     QObject::connect(&m_process, &QProcess::finished, &m_process,
                      [this](int exitCode, QProcess::ExitStatus status) {
+                         m_patience.stop();
                          readLines();
                          m_onEnd({exitCode, status == QProcess::CrashExit, {}});
                      });
@@ -26,6 +28,8 @@ ChildProcess::ChildProcess(std::function<void(const QByteArray&)> onLine,
                          if (error == QProcess::FailedToStart)
                              m_onEnd({0, true, m_process.errorString()});
                      });
+    m_patience.setSingleShot(true);
+    QObject::connect(&m_patience, &QTimer::timeout, &m_process, &QProcess::kill);
 }
 
 ChildProcess::~ChildProcess()
@@ -34,7 +38,10 @@ ChildProcess::~ChildProcess()
     if (m_process.state() == QProcess::NotRunning)
         return;
     m_process.terminate();
-    m_process.waitForFinished(-1); // it ends in order, which takes its own bounded time
+    if (m_process.waitForFinished(std::chrono::milliseconds(mostPatience).count()))
+        return;
+    m_process.kill();
+    m_process.waitForFinished(-1); // nothing outlives that signal
 }
 
 void ChildProcess::start(const QString& program, const QStringList& arguments)
@@ -42,9 +49,13 @@ void ChildProcess::start(const QString& program, const QStringList& arguments)
     m_process.start(program, arguments, QProcess::ReadOnly);
 }
 
-void ChildProcess::askToEnd()
+void ChildProcess::askToEnd(int number)
 {
-    m_process.terminate();
+    if (m_process.state() == QProcess::NotRunning)
+        return;
+    ::kill(static_cast<pid_t>(m_process.processId()), number);
+    if (!m_patience.isActive())
+        m_patience.start(mostPatience);
 }
 
 void ChildProcess::readLines()
@@ -65,6 +76,8 @@ void StandardInput::read()
     const ssize_t count = ::read(STDIN_FILENO, buffer.data(), buffer.size());
     if (count <= 0) {
         m_notifier.setEnabled(false);
+        if (!m_rest.isEmpty())
+            m_onLine(QString::fromUtf8(m_rest).trimmed()); // a last line without its end
         m_onLine(std::nullopt);
         return;
     }

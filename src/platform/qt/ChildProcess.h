@@ -5,7 +5,9 @@
 #include <QSocketNotifier>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
 
+#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -15,9 +17,12 @@ namespace fldc {
 /// It is in a process group of its own: the signals of a terminal reach it only through its owner.
 ///
 /// Callbacks come from the event loop and must not throw. The destructor asks the program to end
-/// and waits for that.
+/// and waits for that, for at most mostPatience.
 class ChildProcess {
 public:
+    /// What a program that was asked to end gets to end in order, before it is killed.
+    static constexpr std::chrono::seconds mostPatience{20};
+
     struct Ended {
         int exitCode = 0;
         bool crashed = false; ///< ended by a signal, or it could not be started
@@ -31,13 +36,15 @@ public:
     ChildProcess& operator=(const ChildProcess&) = delete;
 
     void start(const QString& program, const QStringList& arguments);
-    /// SIGTERM.
-    void askToEnd();
+    /// Sends the signal @p number, and SIGKILL when the program is still there after mostPatience:
+    /// one that hangs or is stopped holds nobody up.
+    void askToEnd(int number);
 
 private:
     void readLines();
 
     QProcess m_process;
+    QTimer m_patience;
     std::function<void(const QByteArray&)> m_onLine;
     std::function<void(const Ended&)> m_onEnd;
 };
