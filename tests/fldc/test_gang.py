@@ -4,7 +4,9 @@
 import json
 import os
 import pathlib
+import re
 import signal
+import socket
 import subprocess
 import sys
 import tempfile
@@ -12,6 +14,7 @@ import time
 import unittest
 
 PROGRAM, SIMULATOR, SAMPLES = (pathlib.Path(path) for path in sys.argv[1:4])
+PAGE = pathlib.Path(sys.argv[4])
 APPLICATION = SAMPLES / "rv4200/application.srec"
 
 
@@ -82,14 +85,57 @@ class Gang(unittest.TestCase):
         units = [json.loads(each.read_text())["unit"] for each in sorted((self.folder / "out").iterdir())]
         self.assertEqual(units, ["first", "second"])
 
+    def test_ways_to_end_from_outside(self):
+        self.radio("a")
+        self.radio("b")
+        for options, until, number, code in (((), "radio", 0, 141), (("--repeat",), "unit-result", 0, 141),
+                                             (("--repeat",), "unit-result", signal.SIGHUP, 129)):
+            with self.subTest(options=options, number=number):
+                run = self.gang("a", "b", options=options)
+                self.lines(run, lambda line: line["type"] == until)  # noqa: B023
+                if number:
+                    run.send_signal(number)
+                else:
+                    run.stdout.close()  # also when nothing is left to tell
+                self.assertEqual(run.wait(60), code)
+
     def test_what_can_not_be_meant(self):
         self.radio("a")
-        for options in ((), ("--port", self.folder / "a", "--port", self.folder / ".." / self.folder.name / "a"),
+        twice = ("--port", "/dev/nowhere", "--port", "/dev/nowhere")
+        for options in ((), twice, ("--port", self.folder / "a", "--port", self.folder / ".." / self.folder.name / "a"),
                         ("--all", "--port", self.folder / "a")):
             run = self.gang(options=options)
             self.assertEqual((self.lines(run)[-1]["exit"], run.wait()), (1, 1), options)
 
+    def test_the_page_about_a_workshop(self):
+        ports, settings, lines = [], ["[Ports]"], []
+        for number in range(1, 9):
+            self.radio(f"r{number}")
+            ports.append(f"COM{number}={self.folder}/r{number}")
+        for number in range(1, 4):
+            self.radio(f"bench{number}")
+            with socket.create_server(("127.0.0.1", 0)) as free:
+                place = free.getsockname()[1]
+            settings.append(f"bench{number}=rfc2217://127.0.0.1:{place}")
+            lines.append(f"connection: &b{number}\n  accepter: telnet(rfc2217),tcp,127.0.0.1,{place}\n"
+                         f"  connector: serialdev,{self.folder}/bench{number},9600n81,local\n")
+        (self.folder / "settings.conf").write_text("\n".join(settings))
+        (self.folder / "ser2net.yaml").write_text("".join(lines))
+        server = subprocess.Popen(["/usr/sbin/ser2net", "-n", "-c", self.folder / "ser2net.yaml", "-P",
+                                   self.folder / "ser2net.pid"], stderr=subprocess.DEVNULL)
+        self.addCleanup(server.wait)
+        self.addCleanup(server.kill)
+        path = f"{PROGRAM.resolve().parent}:{os.environ['PATH']}"
+        for commands in re.findall(r"```sh\n(.*?)```", PAGE.read_text(), re.DOTALL):
+            run = subprocess.run(["sh", "-e", "-c", commands], cwd=self.folder, capture_output=True, timeout=120, text=True,
+                                 check=False, env=os.environ | {
+                                     "PATH": path, "FIRMWARE": str(APPLICATION), "RV4100_FLDC_PORTS": ";".join(ports),
+                                     "RV4100_FLDC_HOME": str(SAMPLES / "boot"),
+                                     "RV4100_FLDC_SETTINGS": str(self.folder / "settings.conf")})
+            self.assertEqual(run.returncode, 0, commands + run.stdout + run.stderr)
+        self.assertEqual(len(list((self.folder / "certificates").iterdir())), 11)
+
 
 if __name__ == "__main__":
-    del sys.argv[1:4]
+    del sys.argv[1:5]
     unittest.main(verbosity=2)

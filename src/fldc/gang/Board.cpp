@@ -22,9 +22,8 @@ BoardLine lineOf(const Unit& unit)
     if (!unit.isRunning())
         return {nameOf(unit) + u"  waiting"_s, BoardLine::Tone::Plain};
     const UnitProgress& progress = unit.progress();
-    QString text = nameOf(unit) + u' ' + barText(progress.percent) +
-                   u" %1 %  %2 kB/s  "_s.arg(progress.percent, 3)
-                       .arg(progress.bytesPerSecond / 1000, 5, 'f', 1);
+    QString text = nameOf(unit) + u" %1 % "_s.arg(progress.percent, 3) + barText(progress.percent) +
+                   u" %1 kB/s  "_s.arg(progress.bytesPerSecond / 1000, 5, 'f', 1);
     if (progress.secondsLeft)
         text += timeText(*progress.secondsLeft) + u" left  "_s;
     return {text + oneLine(progress.step), BoardLine::Tone::Plain};
