@@ -27,14 +27,16 @@ public:
         /// behind a record or the one fault word that is none.
         [[nodiscard]] bool acknowledged() const
         {
-            bool faults = !heard.endsWith("\xAF\xAF");
+            bool faults = false;
             for (qsizetype at = 0; at < heard.size() && !(at == 2 && faults); at += 2) {
                 const QByteArray word = heard.mid(at, 2);
                 if (word == "\x81\x0E" || QByteArray("CFIR").contains(word.left(1)))
-                    return heard.endsWith("\xAF\xAF");
-                faults |= word != "\xAF\xAF" && word != "\xAE\xAE";
+                    return heard.contains("\xAF\xAF");
+                if (word == "\xAF\xAF") // what follows is thrown away
+                    return !faults;
+                faults |= word != "\xAE\xAE";
             }
-            return !faults;
+            return false;
         }
     };
 

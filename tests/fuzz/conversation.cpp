@@ -119,6 +119,15 @@ int run(clsDLManager& manager, int operation, FuzzedDataProvider& fuzz)
     }
 }
 
+std::string told(const FuzzedLine& line)
+{
+    std::string all;
+    for (const auto& write : line.writes)
+        all += write.bytes.left(20).toHex().toStdString() + " < " +
+               write.heard.left(40).toHex().toStdString() + '\n';
+    return all;
+}
+
 // The record of the session may not be better than what the radio has confirmed.
 void checkOutcome(const FuzzedLine& line, State state, bool isDownload, int result)
 {
@@ -128,7 +137,7 @@ void checkOutcome(const FuzzedLine& line, State state, bool isDownload, int resu
                               State::Restarted})
                         .contains(state));
     if (isDownload && (state == State::Locked || state == State::Restarted))
-        EXPECT_FALSE(confirmed.begun && confirmed.mayHaveErased);
+        EXPECT_FALSE(confirmed.begun && confirmed.mayHaveErased) << told(line);
     if (isDownload && result == 0)
         EXPECT_GT(confirmed.images, 0);
 }

@@ -255,7 +255,7 @@ TEST(PortText, MeansANumberAPathAnAdapterOrAPinnedName)
     QFile file(folder.filePath(u"settings"_s));
     ASSERT_TRUE(file.open(QIODevice::WriteOnly));
     file.write("[Ports]\nCOM5=/dev/serial/by-id/usb-FTDI-A50285BI\nbench-left=/dev/ttyS0\n"
-               "odd=\"/dev/ttyS0\\x0/x\"\n");
+               "odd=\"/dev/ttyS0\\x0/x\"\n=x\n");
     file.close();
     const SettingsFile settings(file.fileName());
     PortListing ports(settings, system);

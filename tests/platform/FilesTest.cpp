@@ -145,6 +145,7 @@ TEST_F(FilesTest, SettingsChangeOneLineAndKeepTheRest)
          "LastFile=first\n" + ports + "[General]\nLastFile=\"n\""},
         {ports + "x", ports + "x\n\n[General]\nLastFile=\"n\"\n"},
         {"[General]", "[General]\nLastFile=\"n\"\n"},
+        {"[General]\"x\n", "[General]\nLastFile=\"n\"\n\n[General]\"x\n"},
         {"[Ports]\nCOM3=\"/dev/x", "[General]\nLastFile=\"n\"\n\n[Ports]\nCOM3=\"/dev/x"},
     };
     for (const auto& each : cases) {

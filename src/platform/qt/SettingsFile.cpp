@@ -113,12 +113,12 @@ QByteArray withValue(const QByteArray& before, const QByteArray& name, const QBy
         return after.replace(place.value, place.valueEnd - place.value, value);
     const QByteArray lineEnd = before.contains("\r\n") ? "\r\n" : "\n";
     const QByteArray line = name + '=' + value + lineEnd;
+    if (place.endsQuoted && (place.line < 0 || place.line == before.size()))
+        return "[General]" + lineEnd + line + lineEnd + before;
     if (place.line >= 0) {
         const bool open = !before.left(place.line).endsWith('\n');
         return after.insert(place.line, (open ? lineEnd : QByteArray()) + line);
     }
-    if (place.endsQuoted)
-        return "[General]" + lineEnd + line + lineEnd + before;
     if (!after.isEmpty())
         after += after.endsWith('\n') ? lineEnd : lineEnd + lineEnd;
     return after + "[General]" + lineEnd + line;
@@ -186,6 +186,8 @@ QMap<QString, QString> SettingsFile::section(const QString& section) const
     settings.beginGroup(section);
     const QStringList names = settings.childKeys();
     for (const QString& name : names) {
+        if (name.isEmpty()) // "=x"; asking for it makes the library complain
+            continue;
         if (const auto text = plainText(settings.value(name)))
             values.insert(name, *text);
     }
