@@ -23,7 +23,7 @@ constexpr std::array commandTable{
     Command{"download",
             "Write firmware files into the radio",
             PortUse::Needed,
-            {addPort, addFiles, addLogOn, addDownload},
+            {addPort, addFiles, addLogOn, addDownload, addStore},
             runDownload},
     Command{"gang",
             "Write the same firmware into the radios of several ports at once",
@@ -33,7 +33,7 @@ constexpr std::array commandTable{
     Command{"erase",
             "Erase components of the radio",
             PortUse::Needed,
-            {addPort, addComponents, addLogOn},
+            {addPort, addComponents, addLogOn, addStore},
             runErase},
     Command{"restart",
             "Restart the radio, whatever it is doing",
@@ -61,6 +61,11 @@ constexpr std::array commandTable{
             {addPortOrDefault},
             runDoctor},
     Command{"certificate", "Show a certificate", PortUse::None, {addOneFile}, runCertificate},
+    Command{"history",
+            "Tell what was written to which unit",
+            PortUse::None,
+            {addHistory, addStore},
+            runHistory},
 };
 
 } // namespace
