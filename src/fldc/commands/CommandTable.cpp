@@ -28,7 +28,7 @@ constexpr std::array commandTable{
     Command{"gang",
             "Write the same firmware into the radios of several ports at once",
             PortUse::None,
-            {addFiles, addGang, addLogOn, addDownload},
+            {addFiles, addGang, addLogOn, addDownload, addStore},
             runGang},
     Command{"erase",
             "Erase components of the radio",
