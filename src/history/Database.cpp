@@ -135,12 +135,12 @@ bool Database::applyMigrations()
     answer.finish();
     if (isNew && !execute(u"INSERT INTO history_schema VALUES (0)"_s))
         return false;
-    const QString keyType = isPostgreSql() ? u" TEXT COLLATE \"C\""_s : u" TEXT"_s;
+    const QString keyType = isPostgreSql() ? u"TEXT COLLATE \"C\""_s : u"TEXT"_s;
     for (const Migration& migration : migrations()) {
         if (migration.version <= version)
             continue;
         for (const char* statement : migration.statements) {
-            if (!execute(QString::fromLatin1(statement).replace(u" KEY "_s, keyType + u' ')))
+            if (!execute(QString::fromLatin1(statement).replace(u"TEXT_KEY"_s, keyType)))
                 return false;
         }
         if (!execute(u"UPDATE history_schema SET version = ?"_s, {migration.version}))
@@ -187,9 +187,9 @@ bool Database::insertTags(const Record& record, const QJsonObject& tags)
     }
     concerned.removeDuplicates();
     return std::ranges::all_of(concerned, [&](const QString& tag) {
-        return execute(u"INSERT INTO history_tag VALUES (?, ?, ?, ?)"_s,
-                       {record.id, tag, startOf(record),
-                        record.certificate["result"_L1]["exit"_L1].toInt()});
+        return execute(
+            u"INSERT INTO history_tag VALUES (?, ?, ?, ?)"_s,
+            {record.id, tag, startOf(record), record.certificate["result"_L1]["exit"_L1].toInt()});
     });
 }
 

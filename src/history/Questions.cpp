@@ -41,8 +41,8 @@ QJsonObject jsonOf(const QVariant& text)
     return QJsonDocument::fromJson(text.toString().toUtf8()).object();
 }
 
-// Without a unit the table of tags leads, and its indexes answer for exit and time; a unit has so few
-// records that its own index is the better start.
+// Without a unit the table of tags leads, and its indexes answer for exit and time; a unit has so
+// few records that its own index is the better start.
 Statement statementOf(const Question& asked)
 {
     const bool byTag = !asked.tag.isEmpty() && asked.unit.isEmpty() && asked.id.isEmpty();
@@ -63,7 +63,8 @@ Statement statementOf(const Question& asked)
                           asked.tag);
     if (!asked.id.isEmpty()) {
         statement.require(u"r.id >= ?"_s, asked.id);
-        statement.require(u"r.id < ?"_s, QString(asked.id + u'g')); // behind every hexadecimal digit
+        statement.require(u"r.id < ?"_s,
+                          QString(asked.id + u'g')); // behind every hexadecimal digit
     }
     if (!asked.unit.isEmpty())
         statement.require(u"r.unit = ?"_s, asked.unit);
@@ -120,10 +121,9 @@ bool Database::units(const QStringList& outdated, qint64 limit, const Row& row)
     chosen.text = u"SELECT name, start_ms, record_id, exit, radio FROM history_unit u"_s;
     QStringList reasons;
     for (const QString& tag : outdated) {
-        reasons.append(
-            u"u.name IN (SELECT p.unit FROM history_product p WHERE p.family = ? "
-            "AND (p.product <> ? OR p.status <> 0)) OR (u.exit = 7 AND EXISTS (SELECT 1 "
-            "FROM history_product p WHERE p.unit = u.name AND p.family = ?))"_s);
+        reasons.append(u"u.name IN (SELECT p.unit FROM history_product p WHERE p.family = ? "
+                       "AND (p.product <> ? OR p.status <> 0)) OR (u.exit = 7 AND EXISTS (SELECT 1 "
+                       "FROM history_product p WHERE p.unit = u.name AND p.family = ?))"_s);
         chosen.values += {familyOf(tag), tag, familyOf(tag)};
     }
     if (!reasons.isEmpty())

@@ -59,11 +59,13 @@ QStringList texts(const QJsonValue& array)
     return list;
 }
 
-QStringList products(const QJsonValue& components)
+QStringList goodProducts(const QJsonValue& components)
 {
     QStringList list;
-    for (const auto& each : components.toArray())
-        list.append(storable(each["product"_L1].toString()));
+    for (const auto& each : components.toArray()) {
+        if (each["status"_L1].toInt() == 0)
+            list.append(storable(each["product"_L1].toString()));
+    }
     return list;
 }
 
@@ -90,8 +92,8 @@ QJsonObject tagsOf(const QJsonObject& certificate)
             incomplete.append(tag);
     }
     QStringList erased;
-    const QStringList added = products(certificate["difference"_L1]["added"_L1]);
-    for (const QString& gone : products(certificate["difference"_L1]["removed"_L1])) {
+    const QStringList added = goodProducts(certificate["difference"_L1]["added"_L1]);
+    for (const QString& gone : goodProducts(certificate["difference"_L1]["removed"_L1])) {
         const auto replaces = [&](const QString& by) { return familyOf(by) == familyOf(gone); };
         if (std::ranges::none_of(added, replaces))
             erased.append(gone);
@@ -125,7 +127,7 @@ std::optional<QJsonArray> lastConfiguration(const QJsonObject& certificate)
 
 QString storable(QString text)
 {
-    return text.replace(QChar::Null, QChar::ReplacementCharacter);
+    return text.isNull() ? u""_s : text.replace(QChar::Null, QChar::ReplacementCharacter);
 }
 
 } // namespace fldc::history

@@ -36,7 +36,8 @@ inline constexpr std::size_t columnCount = 17;
 inline constexpr std::array<const char*, 5> tagLists{"written", "confirmed", "not_matched",
                                                      "incomplete", "erased"};
 /// An object with the lists above: written, confirmed and not_matched as the result has them;
-/// incomplete: begun and not locked; erased: shown before and not afterwards.
+/// incomplete: begun and not locked; erased: shown as good before and, in no version,
+/// afterwards.
 [[nodiscard]] QJsonObject tagsOf(const QJsonObject& certificate);
 
 /// What stands before the version: "JHA2A" of "JHA2A-1.10".
@@ -45,7 +46,7 @@ inline constexpr std::array<const char*, 5> tagLists{"written", "confirmed", "no
 /// The radio's components as they were read last; nothing when they were not.
 [[nodiscard]] std::optional<QJsonArray> lastConfiguration(const QJsonObject& certificate);
 
-/// @p text as any database takes it: U+FFFD for the character 0.
+/// @p text as any database takes it: U+FFFD for the character 0, and never null.
 [[nodiscard]] QString storable(QString text);
 
 } // namespace fldc::history

@@ -7,8 +7,8 @@ namespace fldc::history {
 namespace {
 
 constexpr std::array<const char*, 13> firstTables{
-    "CREATE TABLE history_record (id KEY PRIMARY KEY, start_ms BIGINT NOT NULL, "
-    "end_ms BIGINT NOT NULL, command TEXT NOT NULL, unit KEY NOT NULL, job TEXT NOT NULL, "
+    "CREATE TABLE history_record (id TEXT_KEY PRIMARY KEY, start_ms BIGINT NOT NULL, "
+    "end_ms BIGINT NOT NULL, command TEXT NOT NULL, unit TEXT_KEY NOT NULL, job TEXT NOT NULL, "
     "port TEXT NOT NULL, device TEXT NOT NULL, adapter TEXT NOT NULL, host TEXT NOT NULL, "
     "user_name TEXT NOT NULL, version TEXT NOT NULL, identifier TEXT NOT NULL, "
     "exit INTEGER NOT NULL, code INTEGER NOT NULL, radio TEXT NOT NULL, message TEXT NOT NULL, "
@@ -19,16 +19,17 @@ constexpr std::array<const char*, 13> firstTables{
     "CREATE INDEX history_record_failed ON history_record (start_ms) WHERE exit <> 0",
 
     // The start and the exit once more, so that one index answers for a tag.
-    "CREATE TABLE history_tag (record_id KEY NOT NULL, tag KEY NOT NULL, "
+    "CREATE TABLE history_tag (record_id TEXT_KEY NOT NULL, tag TEXT_KEY NOT NULL, "
     "start_ms BIGINT NOT NULL, exit INTEGER NOT NULL, PRIMARY KEY (record_id, tag))",
     "CREATE INDEX history_tag_start ON history_tag (tag, start_ms)",
     "CREATE INDEX history_tag_exit ON history_tag (tag, exit, start_ms)",
     "CREATE INDEX history_tag_failed ON history_tag (tag, start_ms) WHERE exit <> 0",
 
-    "CREATE TABLE history_unit (name KEY PRIMARY KEY, start_ms BIGINT NOT NULL, "
-    "record_id KEY NOT NULL, exit INTEGER NOT NULL, radio TEXT NOT NULL, "
+    "CREATE TABLE history_unit (name TEXT_KEY PRIMARY KEY, start_ms BIGINT NOT NULL, "
+    "record_id TEXT_KEY NOT NULL, exit INTEGER NOT NULL, radio TEXT NOT NULL, "
     "configuration_ms BIGINT NOT NULL)",
-    "CREATE TABLE history_product (unit KEY NOT NULL, product KEY NOT NULL, family KEY NOT NULL, "
+    "CREATE TABLE history_product (unit TEXT_KEY NOT NULL, product TEXT_KEY NOT NULL, family "
+    "TEXT_KEY NOT NULL, "
     "status INTEGER NOT NULL, network INTEGER NOT NULL, device INTEGER NOT NULL)",
     "CREATE INDEX history_product_unit ON history_product (unit)",
     "CREATE INDEX history_product_family ON history_product (family, product, status, unit)",

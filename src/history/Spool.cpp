@@ -53,7 +53,12 @@ QString Spool::put(const Record& record) const
     QSaveFile file(m_folder + u'/' + record.id + u".json"_s);
     const QJsonObject object{{"id"_L1, record.id}, {"certificate"_L1, record.certificate}};
     const QByteArray content = QJsonDocument(object).toJson(QJsonDocument::Compact);
-    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size() || !file.commit())
+    // QSaveFile's own flush does not see a disk that is full.
+    const bool isWritten =
+        file.open(QIODevice::WriteOnly) && file.write(content) == content.size() && file.flush();
+    if (!isWritten)
+        file.cancelWriting();
+    if (!file.commit() || !isWritten)
         return m_folder + u": "_s + file.errorString();
     return {};
 }

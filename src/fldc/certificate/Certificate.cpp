@@ -91,8 +91,9 @@ void Certificate::hear(const ObjectKind& kind, const QJsonObject& object)
 
 void Certificate::hearConfiguration(const QJsonObject& object)
 {
-    const bool before = object["when"_L1].toString() == "before"_L1;
-    (before ? m_before : m_after) = object["components"_L1];
+    // What an erasure reads first is a report.
+    const bool after = object["when"_L1].toString() == "after"_L1;
+    (after ? m_after : m_before) = object["components"_L1];
 }
 
 void Certificate::hearTable(const QJsonObject& object)

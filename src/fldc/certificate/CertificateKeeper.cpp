@@ -40,7 +40,8 @@ bool concernsARadio(const QJsonObject& result)
 }
 
 // Null without --certificate.
-std::optional<Outcome> openFolder(const Options& options, std::shared_ptr<CertificateFolder>& folder)
+std::optional<Outcome> openFolder(const Options& options,
+                                  std::shared_ptr<CertificateFolder>& folder)
 {
     if (!options.certificate)
         return std::nullopt;

@@ -125,8 +125,7 @@ Outcome runExport(Asking& asking)
         return !context.wantsEnd();
     });
     // Standard output is the table and nothing else.
-    return ended(asking, isDone,
-                 context.output.isJson() ? u"%1 records."_s.arg(count) : QString());
+    return ended(asking, isDone, context.output.isJson() ? u"%1 records."_s.arg(count) : QString());
 }
 
 Outcome runUnits(Asking& asking)

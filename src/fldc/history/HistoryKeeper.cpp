@@ -106,9 +106,9 @@ Recorder recorderOf(Context& context, const ChosenStore& store)
         try {
             const history::Spool spool(store.folder, *store.address);
             if (const qsizetype waiting = spool.waiting(); waiting >= manyWaiting)
-                terminal.note(u"fldc: %1 records wait for %2; see `fldc history deliver`."_s
-                                  .arg(waiting)
-                                  .arg(oneLine(store.address->name())));
+                terminal.note(
+                    u"fldc: %1 records wait for %2; see `fldc history deliver`."_s.arg(waiting).arg(
+                        oneLine(store.address->name())));
             const QString failure = spool.put(history::newRecord(certificate));
             if (failure.isEmpty())
                 afterResult = [text = store.text] { deliverBeside(text); };

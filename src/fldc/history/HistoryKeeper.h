@@ -14,9 +14,9 @@ struct Context;
 
 /// The store of a run.
 struct ChosenStore {
-    QString folder;                              ///< of the user's history
+    QString folder;                               ///< of the user's history
     std::optional<history::StoreAddress> address; ///< none: no history is kept
-    QString text;                                ///< of the address, as another fldc takes it
+    QString text;                                 ///< of the address, as another fldc takes it
 };
 
 /// The store that --store names, else the variable FLDC_STORE, else the setting History (True or

@@ -128,9 +128,10 @@ void addStore(CLI::App& command, Options& options)
 void addHistory(CLI::App& command, Options& options)
 {
     command
-        .add_option("ACTION", options.action,
-                    "list records, show one, export them (CSV; with --json JSON Lines), list units, "
-                    "or deliver what waits")
+        .add_option(
+            "ACTION", options.action,
+            "list records, show one, export them (CSV; with --json JSON Lines), list units, "
+            "or deliver what waits")
         ->required()
         ->check(CLI::IsMember({"list", "show", "export", "units", "deliver"}));
     command.add_option("RECORD", options.record, "Number of a record, or its beginning");
