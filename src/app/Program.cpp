@@ -23,9 +23,11 @@ Program::Program(bool onTerminal)
       m_messages(m_desktopMessages, m_terminalMessages,
                  {.windowVisible = [this] { return windowVisible(); },
                   .nobodyWaits = [this] { return m_ending || operationCancelled(); }}),
-      m_errorBox(m_messages), m_qtPlatform(m_messages), m_waitDialogs(ProgramInfo().title()),
+      m_errorBox(m_messages), m_qtPlatform(m_messages), m_desktopSession(ProgramInfo().title()),
+      m_waitDialogs(ProgramInfo().title()),
       m_windows(m_qtPlatform.platform(),
-                frmDownload::factory(m_qtPlatform.platform(), m_fileDialogs, m_helpViewer),
+                frmDownload::factory(m_qtPlatform.platform(), m_fileDialogs, m_helpViewer,
+                                     &m_desktopSession),
                 [this](const std::shared_ptr<DownloadWindow>& window) { watch(window); })
 {
     frmIcon::useForApplication();

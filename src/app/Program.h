@@ -5,6 +5,7 @@
 #include "platform/ShowError.h"
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/TerminalMessages.h"
+#include "platform/qt/bus/DesktopSession.h"
 #include "platform/qt/display/DesktopMessages.h"
 #include "platform/qt/display/FileDialogs.h"
 #include "platform/qt/display/HelpViewer.h"
@@ -51,6 +52,7 @@ private:
     QtPlatform m_qtPlatform;
     FileDialogs m_fileDialogs;
     HelpViewer m_helpViewer;
+    DesktopSession m_desktopSession;
     WaitDialogFactory m_waitDialogs;
     WindowFactory m_windows;
     std::weak_ptr<DownloadWindow> m_latestWindow;

@@ -166,6 +166,8 @@ public:
     [[nodiscard]] bool operates() const;
     /// Whether a task has started and not ended.
     [[nodiscard]] bool AsyncTaskRuns() const { return m_asyncBusy && m_AsyncTaskTimer == 0; }
+    /// The images of the last load, in the order in which a download writes them; null before it.
+    [[nodiscard]] std::shared_ptr<const colFiles> loadedFiles() const { return m_files; }
     /// What SetPort and SetUIMode said last: whether a user is to be shown what happens.
     [[nodiscard]] bool UIMode() const { return m_uiMode; }
     /// Number of the file, from 1 in the order of the last load's list, that the image with that
@@ -179,8 +181,9 @@ Q_SIGNALS:
     /// free, so that a handler may start the next operation.
     void ReportConfigurationsUpdate(const QString& strReportConfigurations);
     void PowerCycleRequired();
-    /// For the component only: a file of a list was left out or rejected; the last error says why.
-    void FileNotLoaded(const QString& path);
+    /// For the component only: a file of a list was left out or rejected. The last error says why,
+    /// and @p reason in plain words.
+    void FileNotLoaded(const QString& path, const QString& reason);
     /// For the component only: AsyncTaskBusy has another value.
     void AsyncTaskBusyChanged();
     /// For the component only: a load runs; listeners hear of the other operations.
@@ -227,8 +230,8 @@ private:
     // Loading (clsDLManager_load.cpp)
     std::int16_t loadPaths(const QStringList& paths, bool rememberFirst);
     void loadSteps(Session& session, const QStringList& paths, bool rememberFirst);
-    void readFile(const QString& path, const std::shared_ptr<colFiles>& files,
-                  const Pace& pace = {}) const;
+    QString readFile(const QString& path, const std::shared_ptr<colFiles>& files,
+                     const Pace& pace = {}) const;
     [[nodiscard]] Pace servingPace() const;
 
     // Port and window (clsDLManager_port.cpp)

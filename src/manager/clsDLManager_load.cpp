@@ -65,12 +65,13 @@ void clsDLManager::loadSteps(Session& session, const QStringList& paths, bool re
         WriteSetting(m_platform.settings, lastFileSetting, paths.value(0));
     for (const QString& path : paths) {
         session.window().setStatusPanelStatus(displayText(Text::ValidatingFile));
+        QString reason = formatMessage(static_cast<std::int32_t>(Code::FileDoesNotExist));
         if (m_platform.files.exists(path))
-            readFile(path, files, pace);
+            reason = readFile(path, files, pace);
         else
             lastError().set(Code::FileDoesNotExist);
         if (!lastError().ok())
-            Q_EMIT FileNotLoaded(path);
+            Q_EMIT FileNotLoaded(path, reason);
         // What was read before can't stand for the whole list.
         if (m_cancellation->requested()) {
             files->setHasRejected();
@@ -114,15 +115,19 @@ Pace clsDLManager::servingPace() const
     };
 }
 
-// Adds the images of one file. What makes a file not valid stands in the log, with its line.
-void clsDLManager::readFile(const QString& path, const std::shared_ptr<colFiles>& files,
-                            const Pace& pace) const
+// Adds the images of one file. What makes a file not valid is returned, and stands in the log with
+// its line.
+QString clsDLManager::readFile(const QString& path, const std::shared_ptr<colFiles>& files,
+                               const Pace& pace) const
 {
     const bool best = ReadSetting(m_platform.settings, compressionSetting, {}) == settingBest;
     const Compression compression =
         m_compression.value_or(best ? Compression::Best : Compression::Zlib);
-    if (const auto notValid = SRecordReader(m_platform.files, files, compression, pace).read(path))
-        logDownload(path + QStringLiteral(": ") + notValid->text());
+    const auto notValid = SRecordReader(m_platform.files, files, compression, pace).read(path);
+    if (!notValid)
+        return {};
+    logDownload(path + QStringLiteral(": ") + notValid->text());
+    return notValid->text();
 }
 
 } // namespace fldc

@@ -29,6 +29,8 @@ enum class Control : std::size_t {
     prgDownloadProgress,
     lblCurrentDownload,
     stsStatus,
+    cmdCancel,
+    noticeStrip,
 };
 
 struct ControlPosition {
@@ -72,6 +74,8 @@ inline constexpr std::array controlPositions{
                     QLatin1StringView("lblCurrentDownload"),
                     {360, 5160, 5415, 255}},
     ControlPosition{Control::stsStatus, QLatin1StringView("stsStatus"), {0, 7650, 9120, 285}},
+    ControlPosition{Control::cmdCancel, QLatin1StringView("cmdCancel"), {7920, 5940, 855, 375}},
+    ControlPosition{Control::noticeStrip, QLatin1StringView("noticeStrip"), {360, 30, 7920, 540}},
 };
 
 [[nodiscard]] constexpr const ControlPosition& positionOf(Control control)

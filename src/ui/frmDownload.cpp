@@ -9,6 +9,9 @@
 #include "ui/desktop/Transient.h"
 #include "ui/frmReportDialog.h"
 #include "ui/logic/ButtonOperations.h"
+#include "ui/session/NoticeStrip.h"
+#include "ui/session/SessionView.h"
+#include "ui/session/TransferBar.h"
 
 #include <QApplication>
 #include <QCheckBox>
@@ -17,7 +20,6 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QTimer>
@@ -55,17 +57,17 @@ void acceptAsCopy(QDropEvent& event)
 } // namespace
 
 DownloadWindow::ViewFactory frmDownload::factory(const Platform& platform, IFileDialogs& dialogs,
-                                                 IHelpViewer& helpViewer)
+                                                 IHelpViewer& helpViewer, IDesktopSession* desktop)
 {
-    return [&platform, &dialogs, &helpViewer](DownloadWindow& window) {
+    return [&platform, &dialogs, &helpViewer, desktop](DownloadWindow& window) {
         return std::shared_ptr<IWindowView>(
-            new frmDownload(window, platform, dialogs, helpViewer),
+            new frmDownload(window, platform, dialogs, helpViewer, desktop),
             [](IWindowView* view) { static_cast<frmDownload*>(view)->dispose(); });
     };
 }
 
 frmDownload::frmDownload(DownloadWindow& window, const Platform& platform, IFileDialogs& dialogs,
-                         IHelpViewer& helpViewer)
+                         IHelpViewer& helpViewer, IDesktopSession* desktop)
     : m_window(&window), m_operations(std::make_shared<ButtonOperations>(
                              window.weak_from_this(), platform, dialogs, helpViewer)),
       m_platform(platform)
@@ -76,6 +78,9 @@ frmDownload::frmDownload(DownloadWindow& window, const Platform& platform, IFile
     setWindowTitle(window.caption());
     setAcceptDrops(true);
     makeControls();
+    if (window.downLoadManager() != nullptr)
+        m_session = new SessionView(
+            window, {*this, *prgDownloadProgress, *cmdCancel, *noticeStrip, platform, desktop});
     for (const WindowPart part : {WindowPart::Ports, WindowPart::BaudRate, WindowPart::AccessLevel,
                                   WindowPart::Status, WindowPart::FileName, WindowPart::Progress,
                                   WindowPart::Configurations, WindowPart::Controls})
@@ -88,6 +93,8 @@ frmDownload::~frmDownload() = default;
 // The deleter of the window's pointer.
 void frmDownload::dispose()
 {
+    if (m_session != nullptr)
+        m_session->detach();
     m_window = nullptr;
     ListView1->detach();
     hide();
@@ -138,7 +145,8 @@ void frmDownload::windowChanged(WindowPart part)
     case WindowPart::FileName:
         return txtCurrentDownload->setText(m_window->fileName());
     case WindowPart::Progress:
-        return prgDownloadProgress->setValue(m_window->progress());
+        prgDownloadProgress->setValue(m_window->progress());
+        return m_session != nullptr ? m_session->showProgress() : void();
     case WindowPart::Configurations:
         showErasable();
         return ListView1->refill();
@@ -251,6 +259,8 @@ void frmDownload::closeEvent(QCloseEvent* event)
     whileHandling([&] {
         if (!m_window->requestClose(m_sessionEnds))
             event->ignore();
+        if (!event->isAccepted() && m_session != nullptr)
+            m_session->sayWhyOpen();
     });
 }
 

@@ -13,16 +13,19 @@ class QCheckBox;
 class QComboBox;
 class QLabel;
 class QLineEdit;
-class QProgressBar;
 class QPushButton;
 
 namespace fldc {
 
 class ButtonOperations;
 class ConfigurationView;
+class IDesktopSession;
 class IFileDialogs;
 class IHelpViewer;
+class NoticeStrip;
+class SessionView;
 class StatusBar;
+class TransferBar;
 
 /// The main window: shows the state of a DownloadWindow and hands what the user does to it and to
 /// the operations of the buttons. Holds no state of its own but the look of the columns.
@@ -33,12 +36,14 @@ class frmDownload final : public QWidget, public IWindowView {
     Q_OBJECT
 
 public:
-    /// Makes main windows; the arguments must outlive them.
-    [[nodiscard]] static DownloadWindow::ViewFactory
-    factory(const Platform& platform, IFileDialogs& dialogs, IHelpViewer& helpViewer);
+    /// Makes main windows; the arguments must outlive them. @p desktop: null for none.
+    [[nodiscard]] static DownloadWindow::ViewFactory factory(const Platform& platform,
+                                                             IFileDialogs& dialogs,
+                                                             IHelpViewer& helpViewer,
+                                                             IDesktopSession* desktop = nullptr);
 
     frmDownload(DownloadWindow& window, const Platform& platform, IFileDialogs& dialogs,
-                IHelpViewer& helpViewer);
+                IHelpViewer& helpViewer, IDesktopSession* desktop);
     ~frmDownload() override;
 
     // -- IWindowView
@@ -105,8 +110,11 @@ private:
     ConfigurationView* ListView1 = nullptr;
     QPushButton* cmdSaveDetails = nullptr;
     QLineEdit* txtCurrentDownload = nullptr;
-    QProgressBar* prgDownloadProgress = nullptr;
+    TransferBar* prgDownloadProgress = nullptr;
     StatusBar* stsStatus = nullptr;
+    QPushButton* cmdCancel = nullptr;
+    NoticeStrip* noticeStrip = nullptr;
+    SessionView* m_session = nullptr;
 };
 
 } // namespace fldc

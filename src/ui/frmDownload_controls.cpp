@@ -6,6 +6,8 @@
 #include "ui/StatusBar.h"
 #include "ui/frmIcon.h"
 #include "ui/logic/ButtonOperations.h"
+#include "ui/session/NoticeStrip.h"
+#include "ui/session/TransferBar.h"
 #include "ui/widgets/ChoiceBox.h"
 
 #include <QCheckBox>
@@ -14,7 +16,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QProgressBar>
 #include <QPushButton>
 #include <QShortcut>
 #include <QStyle>
@@ -105,10 +106,11 @@ void frmDownload::makeControls()
     txtCurrentDownload->setReadOnly(true);
     txtCurrentDownload->setAcceptDrops(false);
     makeLabel(Control::lblProgress, tr("Progress :"));
-    prgDownloadProgress = place(Control::prgDownloadProgress, new QProgressBar(this));
-    prgDownloadProgress->setRange(0, 100);
+    prgDownloadProgress = place(Control::prgDownloadProgress, new TransferBar(this));
     makeLabel(Control::lblCurrentDownload, tr("Current Download :"))->setBuddy(txtCurrentDownload);
     stsStatus = place(Control::stsStatus, new StatusBar(this));
+    cmdCancel = place(Control::cmdCancel, new QPushButton(tr("&Cancel"), this));
+    noticeStrip = place(Control::noticeStrip, new NoticeStrip(this));
 
     connectControls();
     describeControls();

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+#include <vector>
+
+namespace fldc {
+
+class ConfigurationList;
+class IFileContent;
+class IFileService;
+class colFiles;
+
+/// One place that an image is for, or an image that is for none.
+struct PlanRow {
+    QString file;      ///< without folder
+    QString path;      ///< as it was loaded
+    QString newVersion; ///< the image's tag
+    QString oldVersion; ///< what the radio has there; empty when it fits nothing
+    QString component;  ///< which one; for an image that fits none, why
+    bool fits = false;
+};
+
+/// What a download of @p files into the radio that reported @p radio would write, in its order. By
+/// the report that the window shows: the download reads its own.
+[[nodiscard]] std::vector<PlanRow> planOf(const colFiles& files, const ConfigurationList& radio);
+
+/// Looks for wrong checksums in the records of files, a piece at a time. Nothing else does:
+/// loading and writing take a record as it stands.
+class ChecksumScan {
+public:
+    /// @p files must outlive the object.
+    ChecksumScan(IFileService& files, QStringList paths);
+    ~ChecksumScan();
+    ChecksumScan(const ChecksumScan&) = delete;
+    ChecksumScan& operator=(const ChecksumScan&) = delete;
+
+    /// Takes a few milliseconds. False when nothing is left to do.
+    [[nodiscard]] bool step();
+    /// "a.srec, line 12: the checksum is wrong" so far; the first few, then how many there are.
+    [[nodiscard]] QStringList faults() const;
+
+private:
+    void openNext();
+
+    IFileService& m_files;
+    QStringList m_paths; ///< not yet begun
+    QString m_name;
+    std::unique_ptr<IFileContent> m_content;
+    std::size_t m_position = 0;
+    qint64 m_line = 0; ///< lines before the position
+    QStringList m_faults;
+    qint64 m_more = 0; ///< beyond those
+};
+
+} // namespace fldc
