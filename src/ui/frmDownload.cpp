@@ -79,8 +79,7 @@ frmDownload::frmDownload(DownloadWindow& window, const Platform& platform, IFile
     setAcceptDrops(true);
     makeControls();
     if (window.downLoadManager() != nullptr)
-        m_session = new SessionView(
-            window, {*this, *prgDownloadProgress, *cmdCancel, *noticeStrip, platform, desktop});
+        m_session = makeSessionView(platform, desktop);
     for (const WindowPart part : {WindowPart::Ports, WindowPart::BaudRate, WindowPart::AccessLevel,
                                   WindowPart::Status, WindowPart::FileName, WindowPart::Progress,
                                   WindowPart::Configurations, WindowPart::Controls})
@@ -89,6 +88,23 @@ frmDownload::frmDownload(DownloadWindow& window, const Platform& platform, IFile
 }
 
 frmDownload::~frmDownload() = default;
+
+SessionView* frmDownload::makeSessionView(const Platform& platform, IDesktopSession* desktop)
+{
+    return new SessionView(*m_window,
+                           {.view = *this,
+                            .bar = *prgDownloadProgress,
+                            .cancel = *cmdCancel,
+                            .strip = *noticeStrip,
+                            .status = *stsStatus,
+                            .platform = platform,
+                            .desktop = desktop,
+                            .chooseFiles = [this] { run(&ButtonOperations::ChooseFiles); },
+                            .download =
+                                [this](const QStringList& paths) {
+                                    whileHandling([&] { m_operations->DownloadFiles(paths); });
+                                }});
+}
 
 // The deleter of the window's pointer.
 void frmDownload::dispose()
@@ -131,6 +147,13 @@ void frmDownload::moveEvent(QMoveEvent* event)
 
 void frmDownload::windowChanged(WindowPart part)
 {
+    showPart(part);
+    if (m_session != nullptr)
+        m_session->windowChanged(part);
+}
+
+void frmDownload::showPart(WindowPart part)
+{
     switch (part) {
     case WindowPart::Ports:
         return showPorts();
@@ -145,8 +168,7 @@ void frmDownload::windowChanged(WindowPart part)
     case WindowPart::FileName:
         return txtCurrentDownload->setText(m_window->fileName());
     case WindowPart::Progress:
-        prgDownloadProgress->setValue(m_window->progress());
-        return m_session != nullptr ? m_session->showProgress() : void();
+        return prgDownloadProgress->setValue(m_window->progress());
     case WindowPart::Configurations:
         showErasable();
         return ListView1->refill();

@@ -66,6 +66,7 @@ private:
     using Operation = void (ButtonOperations::*)();
 
     void dispose();
+    void showPart(WindowPart part);
 
     // The controls (frmDownload_controls.cpp)
     void makeControls();
@@ -79,6 +80,7 @@ private:
     void connectControls();
     void describeControls();
     void setTabOrderOfControls();
+    [[nodiscard]] SessionView* makeSessionView(const Platform& platform, IDesktopSession* desktop);
 
     void run(Operation operation);
     void askForHelp();

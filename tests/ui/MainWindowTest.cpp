@@ -32,10 +32,12 @@ TEST_F(MainWindowTest, EveryControlIsThereWholeAndInTabOrder)
 {
     start();
     for (const auto* each : view->findChildren<QAbstractButton*>())
-        EXPECT_EQ(each->visibleRegion().boundingRect(), each->rect()) << "covered or outside";
+        EXPECT_TRUE(!each->isVisible() || each->visibleRegion().boundingRect() == each->rect())
+            << qPrintable(each->objectName()) << ": covered or outside";
     QStringList order;
     for (QWidget* each = control("chkAccessLevel");;) {
-        if (each->focusPolicy() & Qt::TabFocus && !each->objectName().startsWith(u"qt_"))
+        if (each->focusPolicy() & Qt::TabFocus && each->isVisible() &&
+            !each->objectName().startsWith(u"qt_"))
             order.append(each->objectName());
         each = each->nextInFocusChain();
         if (each == control("chkAccessLevel"))

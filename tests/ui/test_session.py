@@ -13,6 +13,7 @@ from workbench import Workbench  # noqa: E402
 
 # Pixels in the main window: the middle of a row's text, the list's first row being number 1.
 LIST_X, LIST_Y, ROW = 130, 100, 20
+CANCEL = (556, 408)  # the middle of the button
 
 
 class Session:
@@ -64,7 +65,11 @@ def download(session, files):
     session.desktop.key(dialog, "Return")
     wait_for("the first block", lambda: "Unlocked block" in session.radio()[before:])
     session.desktop.close(session.window)  # refused
+    session.desktop.window("Not Closed")
+    session.desktop.click(session.window, *CANCEL)
+    session.desktop.window("Stop Writing")  # nobody answers: the writing goes on, and it goes with that
     failures = session.desktop.window("Download Failures")
+    assert not session.desktop.find("Stop Writing") and not session.desktop.find("Not Closed")
     assert session.program.poll() is None and session.desktop.find("Kelvane"), "closed in the middle"
     session.outcome("Download successful")
     session.desktop.key(failures, "Return")
@@ -99,7 +104,7 @@ def main():
         print("missing:", *MISSING)
         return 77
     program, simulator, samples = sys.argv[1], sys.argv[2], pathlib.Path(sys.argv[3])
-    with Workbench(program, simulator, samples, "rv4200", pace=True) as bench, Desktop() as desktop:
+    with Workbench(program, simulator, samples, "rv4200", ["delay@3D=800", "delay@35=800"], pace=True) as bench, Desktop() as desktop:
         session = Session(bench, desktop)
         report(session)
         erase_one(session)

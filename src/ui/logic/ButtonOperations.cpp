@@ -113,6 +113,18 @@ void ButtonOperations::Download()
     });
 }
 
+void ButtonOperations::ChooseFiles()
+{
+    const WindowPointer window = idleWindow();
+    if (!window)
+        return;
+    m_files->SelectDownloadFile(*window, [weak = weak_from_this()](const QString& strFileName) {
+        const auto self = weak.lock();
+        if (self && !strFileName.isEmpty())
+            self->runBusy([&](clsDLManager& manager) { manager.LoadFiles(strFileName); });
+    });
+}
+
 void ButtonOperations::DownloadFiles(const QStringList& paths)
 {
     startDownload([&](DownloadWindow&) { downloadChosen(fileListText(paths)); });

@@ -38,6 +38,8 @@ public:
     void Download();
     /// The same with files that are already chosen (full paths).
     void DownloadFiles(const QStringList& paths);
+    /// Asks for the files and loads them; nothing is sent.
+    void ChooseFiles();
     void EraseConfiguration();
     void SaveDetails();
     /// @p windowHandle: the system's identifier of the window that asks.

@@ -2,6 +2,7 @@
 
 #include "ui/StatusBar.h"
 
+#include <QAccessible>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -73,7 +74,9 @@ void NoticeStrip::showNotice(const Notice& notice)
     show();
     m_headline->showText(notice.headline);
     m_next->showText(notice.next);
-    setAccessibleDescription(notice.text());
+    setAccessibleName(notice.text());
+    QAccessibleEvent told(this, QAccessible::Alert);
+    QAccessible::updateAccessibility(&told);
 }
 
 } // namespace fldc

@@ -33,9 +33,10 @@ QString summaryText(const std::vector<PlanRow>& rows)
         return PlanWindow::tr("No files are loaded. Choose some to see what they would do to this "
                               "radio; nothing is sent to it.");
     const auto fitting = std::ranges::count(rows, true, &PlanRow::fits);
-    return PlanWindow::tr("%1 of %2 rows would be written, by the configuration that was read last.")
+    return PlanWindow::tr(
+               "By the configuration that was read last, %1 would be written and %2 fit nothing.")
         .arg(fitting)
-        .arg(rows.size());
+        .arg(std::ssize(rows) - fitting);
 }
 
 } // namespace
@@ -86,8 +87,7 @@ void PlanWindow::refresh(const DownloadWindow& window, const QStringList& refuse
 {
     const clsDLManager* manager = window.downLoadManager();
     const auto files = manager == nullptr ? nullptr : manager->loadedFiles();
-    const auto rows =
-        files ? planOf(*files, window.configurations()) : std::vector<PlanRow>();
+    const auto rows = files ? planOf(*files, window.configurations()) : std::vector<PlanRow>();
     m_refused = refused;
     m_summary->setText(summaryText(rows));
     fillRows(rows);
@@ -112,8 +112,7 @@ void PlanWindow::fillRows(const std::vector<PlanRow>& rows)
     m_list->clear();
     const QIcon warning = style()->standardIcon(QStyle::SP_MessageBoxWarning, nullptr, this);
     for (const PlanRow& row : rows) {
-        auto* item =
-            new QTreeWidgetItem({row.file, row.newVersion, row.oldVersion, row.component});
+        auto* item = new QTreeWidgetItem({row.file, row.newVersion, row.oldVersion, row.component});
         item->setToolTip(0, row.path);
         if (!row.fits)
             item->setIcon(3, warning);

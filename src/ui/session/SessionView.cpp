@@ -8,9 +8,10 @@
 #include "platform/Platform.h"
 #include "platform/PlatformFailure.h"
 #include "port/PortEnumeration.h"
-#include "ui/logic/DownloadWindow.h"
+#include "ui/StatusBar.h"
 #include "ui/logic/session/Notice.h"
 #include "ui/session/NoticeStrip.h"
+#include "ui/session/PlanWindow.h"
 #include "ui/session/TextWindow.h"
 #include "ui/session/TransferBar.h"
 
@@ -18,8 +19,10 @@
 #include <QClipboard>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QToolButton>
 
 #include <chrono>
+#include <utility>
 
 namespace fldc {
 
@@ -29,6 +32,10 @@ namespace {
 
 // Whoever waits longer than this has turned to something else.
 constexpr auto longRun = 10s;
+
+// Behind the status, before the link speed.
+constexpr int planPlace = 2;
+constexpr int planMargin = 12;
 
 QString questionText(const Run& run)
 {
@@ -40,16 +47,36 @@ QString questionText(const Run& run)
 
 } // namespace
 
-SessionView::SessionView(DownloadWindow& window, const Surroundings& surroundings)
-    : QObject(&surroundings.view), m_window(&window), m_around(surroundings),
-      m_notes(window, surroundings.platform, {[this] { runChanged(); }, [this] { runEnded(); }})
+SessionView::SessionView(DownloadWindow& window, Surroundings surroundings)
+    : QObject(&surroundings.view), m_window(&window), m_around(std::move(surroundings)),
+      m_notes(window, m_around.platform, {[this] { runChanged(); }, [this] { runEnded(); }})
 {
     m_around.cancel.hide();
+    m_around.cancel.setFocusPolicy(Qt::TabFocus);
     m_around.cancel.setToolTip(tr("End what is going on with the radio"));
     connect(&m_around.cancel, &QPushButton::clicked, this, &SessionView::askForCancel);
     connect(&m_around.strip, &NoticeStrip::detailsWanted, this, &SessionView::showDetails);
     connect(&m_around.strip, &NoticeStrip::copyWanted, this, &SessionView::copy);
+    makePlanButton();
     connect(&m_seconds, &QTimer::timeout, this, &SessionView::showProgress);
+}
+
+void SessionView::makePlanButton()
+{
+    m_planButton = new QToolButton(&m_around.status);
+    m_planButton->setText(tr("&Plan..."));
+    m_planButton->setObjectName(QStringLiteral("cmdPlan"));
+    m_planButton->setAccessibleName(tr("Plan"));
+    m_planButton->setToolTip(tr("What a download would write"));
+    m_planButton->setFocusPolicy(Qt::TabFocus);
+    m_planButton->setFont(m_around.view.font());
+    m_planButton->setFixedWidth(m_planButton->fontMetrics().horizontalAdvance(tr("Plan...")) +
+                                planMargin);
+    m_planButton->setMinimumHeight(1);
+    m_planButton->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
+    m_planButton->hide();
+    m_around.status.insertWidget(planPlace, m_planButton);
+    connect(m_planButton, &QToolButton::clicked, this, &SessionView::showPlan);
 }
 
 void SessionView::detach()
@@ -59,8 +86,22 @@ void SessionView::detach()
     m_notes.detach();
     m_window = nullptr;
     m_seconds.stop();
+    if (m_plan)
+        m_plan->close();
     if (m_around.desktop != nullptr)
         m_around.desktop->allowEnd();
+}
+
+void SessionView::windowChanged(WindowPart part)
+{
+    if (m_window == nullptr)
+        return;
+    if (part == WindowPart::Progress)
+        showProgress();
+    if (part == WindowPart::Configurations && !m_window->configurations().rows().empty())
+        m_planButton->show();
+    if (part == WindowPart::Configurations || part == WindowPart::Controls)
+        refreshPlan();
 }
 
 void SessionView::showProgress()
@@ -87,6 +128,8 @@ void SessionView::runChanged()
         m_cancelling = false;
         m_around.cancel.setEnabled(true);
         m_around.cancel.show();
+        if (m_around.desktop != nullptr)
+            m_around.desktop->prepare();
         m_seconds.start(1s);
     }
     if (m_around.desktop != nullptr && run.flashAtRisk())
@@ -99,6 +142,9 @@ void SessionView::runChanged()
 void SessionView::runEnded()
 {
     m_seconds.stop();
+    // A control that goes hands the focus to the next one, where the user's next key would count.
+    if (m_around.cancel.hasFocus())
+        m_around.view.findChild<QWidget*>(QStringLiteral("txtCurrentDownload"))->setFocus();
     m_around.cancel.hide();
     for (const QPointer<QMessageBox>& box : {m_question, m_refusal}) {
         if (box)
@@ -107,6 +153,7 @@ void SessionView::runEnded()
     if (m_around.desktop != nullptr)
         m_around.desktop->allowEnd();
     showProgress();
+    refreshPlan();
     // Files that were read well are nothing to tell of yet.
     const Run& run = m_notes.run();
     if (!run.operation && run.code == 0)
@@ -193,6 +240,28 @@ void SessionView::showDetails()
     connect(details, &TextWindow::copyWanted, this, &SessionView::copy);
     m_details = details;
     details->show();
+}
+
+void SessionView::showPlan()
+{
+    if (m_window == nullptr)
+        return;
+    if (m_plan) {
+        m_plan->raise();
+        return m_plan->activateWindow();
+    }
+    m_plan = new PlanWindow(m_around.platform.files, &m_around.view);
+    connect(m_plan, &PlanWindow::chooseWanted, this, [this] { m_around.chooseFiles(); });
+    connect(m_plan, &PlanWindow::downloadWanted, this,
+            [this](const QStringList& paths) { m_around.download(paths); });
+    refreshPlan();
+    m_plan->show();
+}
+
+void SessionView::refreshPlan()
+{
+    if (m_plan && m_window != nullptr)
+        m_plan->refresh(*m_window, m_notes.refused());
 }
 
 void SessionView::copy()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ui/logic/DownloadWindow.h"
 #include "ui/logic/session/RunNotes.h"
 
 #include <QObject>
@@ -9,13 +10,15 @@
 class QDialog;
 class QMessageBox;
 class QPushButton;
+class QToolButton;
 class QWidget;
 
 namespace fldc {
 
-class DownloadWindow;
 class IDesktopSession;
 class NoticeStrip;
+class PlanWindow;
+class StatusBar;
 class TransferBar;
 struct Platform;
 
@@ -31,26 +34,32 @@ public:
         TransferBar& bar;
         QPushButton& cancel;
         NoticeStrip& strip;
+        StatusBar& status;
         const Platform& platform;
         IDesktopSession* desktop; ///< null: none
+        std::function<void()> chooseFiles;
+        std::function<void(const QStringList&)> download;
     };
     /// @p window: that of @p surroundings' view. The object belongs to the view.
-    SessionView(DownloadWindow& window, const Surroundings& surroundings);
+    SessionView(DownloadWindow& window, Surroundings surroundings);
 
     /// The window has let go of its view.
     void detach();
-    /// The window shows another progress.
-    void showProgress();
+    void windowChanged(WindowPart part);
     /// The window was asked to close and must not.
     void sayWhyOpen();
 
 private:
+    void showProgress();
     void runChanged();
     void runEnded();
     void askForCancel();
     void cancelRun();
     void tellAway();
     void showDetails();
+    void makePlanButton();
+    void showPlan();
+    void refreshPlan();
     void copy();
     [[nodiscard]] QString portDescription() const;
     [[nodiscard]] QMessageBox* makeBox(const QString& name, const QString& title,
@@ -60,10 +69,12 @@ private:
     Surroundings m_around;
     RunNotes m_notes;
     QTimer m_seconds;
+    QToolButton* m_planButton = nullptr;
     bool m_cancelling = false;
     QPointer<QMessageBox> m_question;
     QPointer<QMessageBox> m_refusal;
     QPointer<QDialog> m_details;
+    QPointer<PlanWindow> m_plan;
 };
 
 } // namespace fldc

@@ -74,6 +74,12 @@ QDBusConnection DesktopSession::system()
     return *m_buses.system;
 }
 
+void DesktopSession::prepare()
+{
+    (void)session();
+    (void)system();
+}
+
 void DesktopSession::call(const QDBusConnection& bus, const QDBusMessage& message,
                           std::function<void(const QDBusMessage& answer)> done)
 {

@@ -18,7 +18,7 @@ namespace fldc {
 
 /// The desktop's session over D-Bus: the login manager keeps the machine from being suspended and
 /// shut down, the desktop's portal (or, where there is none, its screen saver's interface) the
-/// session from ending. The first use connects to the buses; every call is asynchronous.
+/// session from ending. Every call is asynchronous.
 class DesktopSession final : public IDesktopSession {
 public:
     /// The buses to speak to; those of the process when not given.
@@ -32,6 +32,7 @@ public:
     DesktopSession(const DesktopSession&) = delete;
     DesktopSession& operator=(const DesktopSession&) = delete;
 
+    void prepare() override;
     void preventEnd(const QString& why) override;
     void allowEnd() override;
     void notify(const QString& title, const QString& text) override;

@@ -38,6 +38,9 @@ static_assert(phaseTexts.size() == static_cast<std::size_t>(Phase::Restarting) +
 constexpr std::array stepPhases{Phase::Resetting, Phase::Unlocking, Phase::Erasing,
                                 Phase::Writing,   Phase::Locking,   Phase::Restarting};
 
+// Below this a kilobyte is too coarse, in bytes.
+constexpr std::int64_t smallTotal = 10000;
+
 QString kiloBytes(double bytes, int decimals)
 {
     return QString::number(bytes / 1000, 'f', decimals);
@@ -46,9 +49,11 @@ QString kiloBytes(double bytes, int decimals)
 QString transferText(int percent, const session::Transfer& transfer)
 {
     QStringList parts{u"%1 %"_s.arg(percent)};
+    const int decimals = transfer.total < smallTotal ? 1 : 0;
     if (transfer.total > 0)
-        parts.append(u"%1 of %2 kB"_s.arg(kiloBytes(static_cast<double>(transfer.bytes), 0),
-                                          kiloBytes(static_cast<double>(transfer.total), 0)));
+        parts.append(
+            u"%1 of %2 kB"_s.arg(kiloBytes(static_cast<double>(transfer.bytes), decimals),
+                                 kiloBytes(static_cast<double>(transfer.total), decimals)));
     if (transfer.bytesPerSecond > 0)
         parts.append(kiloBytes(transfer.bytesPerSecond, 1) + u" kB/s"_s);
     if (transfer.secondsLeft)
@@ -246,7 +251,6 @@ void RunNotes::on(const session::SpeedAgreed& event)
 void RunNotes::on(const session::ConfigurationsRead& event)
 {
     (event.when == session::Reading::After ? m_run.after : m_run.before) = event.components;
-    m_components = event.components;
 }
 
 void RunNotes::on(const session::TargetBegun& event)

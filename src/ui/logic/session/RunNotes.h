@@ -94,11 +94,8 @@ public:
     [[nodiscard]] bool running() const { return m_run.phase != Phase::Idle; }
     /// The running or else the last run.
     [[nodiscard]] const Run& run() const { return m_run; }
-    /// The radio's components as they were last read in this window.
-    [[nodiscard]] const std::optional<std::vector<session::Component>>& components() const
-    {
-        return m_components;
-    }
+    /// Files that the last load did not read, with the reasons.
+    [[nodiscard]] const QStringList& refused() const { return m_refused; }
     /// "42 % · 96 of 230 kB · 11.3 kB/s · 1 min 05 s left", or what is done and for how long.
     [[nodiscard]] QString progressText() const;
     /// "File 2 of 5: a.srec, JHA2F-2.03"; empty while none is written.
@@ -136,7 +133,6 @@ private:
     QObject m_connections;   ///< to the manager
     Run m_run;
     QStringList m_refused; ///< by the last load
-    std::optional<std::vector<session::Component>> m_components;
     session::Narrator m_narrator;
 };
 

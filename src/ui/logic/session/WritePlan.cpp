@@ -25,22 +25,38 @@ QString fileName(const QString& path)
     return path.section(u'/', -1).section(u'\\', -1);
 }
 
-QString networkText(const ConfigurationRow& row)
+// The first characters of a product identifier name the component, those behind its version.
+constexpr qsizetype nameLength = 5;
+
+constexpr std::size_t typeColumn = 0;
+constexpr std::size_t productColumn = 1;
+constexpr std::size_t networkColumn = 4;
+
+// "Radio Application on RVKC4-02, NTID 3"
+PlanRow placed(PlanRow row, const ConfigurationRow& hardware, const ConfigurationList& radio)
 {
-    return row.texts.at(4) == u"0" ? QString() : u", NTID "_s + row.texts.at(4);
+    const QString& network = hardware.texts.at(networkColumn);
+    QString type = u"New"_s;
+    for (const ConfigurationRow& each : radio.rows()) {
+        if (each.texts.at(networkColumn) != network ||
+            each.texts.at(productColumn).left(nameLength) != row.newVersion.left(nameLength))
+            continue;
+        type = each.texts.at(typeColumn);
+        row.oldVersion = each.texts.at(productColumn);
+        break;
+    }
+    row.component = type + u" on "_s + hardware.texts.at(productColumn) +
+                    (network == u"0" ? QString() : u", NTID "_s + network);
+    row.fits = true;
+    return row;
 }
 
 void addPlaces(std::vector<PlanRow>& plan, const PlanRow& image, const QString& hardware,
                const ConfigurationList& radio)
 {
     for (const ConfigurationRow& row : radio.rows()) {
-        if (!matchesHardware(row.texts.at(1), hardware))
-            continue;
-        PlanRow place = image;
-        place.oldVersion = row.texts.at(1);
-        place.component = row.texts.at(0) + networkText(row);
-        place.fits = true;
-        plan.push_back(place);
+        if (matchesHardware(row.texts.at(productColumn), hardware))
+            plan.push_back(placed(image, row, radio));
     }
 }
 
@@ -50,8 +66,12 @@ std::vector<PlanRow> planOf(const colFiles& files, const ConfigurationList& radi
 {
     std::vector<PlanRow> plan;
     for (const auto& file : files.items()) {
-        PlanRow image{fileName(file->SourcePath()), file->SourcePath(), file->TagName(),
-                      {}, u"fits nothing in this radio"_s, false};
+        PlanRow image{fileName(file->SourcePath()),
+                      file->SourcePath(),
+                      file->TagName(),
+                      {},
+                      u"fits nothing in this radio"_s,
+                      false};
         const std::size_t before = plan.size();
         for (std::int32_t i = 0; i < file->CountTargets(); ++i)
             addPlaces(plan, image, file->Hardware(i), radio);
@@ -105,6 +125,9 @@ bool ChecksumScan::step()
     const auto size = static_cast<std::size_t>(end - rest.begin()) + (end == rest.end() ? 0 : 1);
     const auto slice = rest.first(size);
     for (const RecordFault& fault : checkRecords(slice)) {
+        // Of other records nothing but their checksum is looked at.
+        if (fault.kind != RecordFault::Kind::Checksum && !fault.isData)
+            continue;
         if (m_faults.size() >= faultsShown)
             ++m_more;
         else

@@ -15,11 +15,11 @@ class colFiles;
 
 /// One place that an image is for, or an image that is for none.
 struct PlanRow {
-    QString file;      ///< without folder
-    QString path;      ///< as it was loaded
+    QString file;       ///< without folder
+    QString path;       ///< as it was loaded
     QString newVersion; ///< the image's tag
-    QString oldVersion; ///< what the radio has there; empty when it fits nothing
-    QString component;  ///< which one; for an image that fits none, why
+    QString oldVersion; ///< what the radio has of it; empty when it has none
+    QString component;  ///< what it becomes, on which hardware; else why it is not written
     bool fits = false;
 };
 
