@@ -44,14 +44,14 @@ ImageNote image(const char* tag, int begun, int locked)
 TEST(NoticeTest, ItSaysWhatBecameOfEachFileAndOfTheRadio)
 {
     using enum Notice::Kind;
-    Run unconfirmed = runOf(Operation::Download, 0, Condition::Restarted, {image("A", 1, 1)});
+    fldc::Run unconfirmed = runOf(Operation::Download, 0, Condition::Restarted, {image("A", 1, 1)});
     unconfirmed.after = {{QStringLiteral("A"), 2, 0, 0, false}};
-    Run refused = runOf(Operation::Download, 34, Condition::Untouched, {});
+    fldc::Run refused = runOf(Operation::Download, 34, Condition::Untouched, {});
     refused.refused = QStringList(QStringLiteral("b.srec: line 3: too short"));
-    Run load = refused;
+    fldc::Run load = refused;
     load.operation.reset();
     load.code = 1;
-    const std::tuple<Run, Notice::Kind, const char*, const char*> cases[]{
+    const std::tuple<fldc::Run, Notice::Kind, const char*, const char*> cases[]{
         {runOf(Operation::Download, 0, Condition::Restarted, {image("A", 2, 2), image("B", 1, 1)}),
          Good, "Written in 1 min 05 s: A, B.", "Written: b.srec, B"},
         {runOf(Operation::Download, 37, Condition::Restarted, {image("A", 1, 1), image("B", 0, 0)}),

@@ -165,7 +165,7 @@ void SessionView::runEnded()
 
 void SessionView::tellAway()
 {
-    if (m_around.view.isActiveWindow() || !m_around.view.isVisible())
+    if (QApplication::activeWindow() != nullptr || !m_around.view.isVisible())
         return;
     QApplication::alert(&m_around.view);
     if (m_around.desktop != nullptr)

@@ -14,7 +14,7 @@ constexpr auto beat = 80ms;
 constexpr int whole = 100;
 constexpr int step = 2;
 constexpr int lightWidth = 12;
-constexpr int lightHeight = 3;
+constexpr int lightHeight = 2;
 
 } // namespace
 
@@ -55,7 +55,7 @@ void TransferBar::paintEvent(QPaintEvent* event)
     if (!alive())
         return;
     QPainter painter(this);
-    const QRect inside = rect().adjusted(2, 2, -2, -2);
+    const QRect inside = rect().adjusted(1, 1, -1, -1);
     const QRect light((m_position - lightWidth) * inside.width() / whole + inside.left(),
                       inside.bottom() - lightHeight + 1, lightWidth * inside.width() / whole,
                       lightHeight);

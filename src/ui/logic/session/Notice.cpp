@@ -124,6 +124,15 @@ Notice::Kind kindOf(const Run& run)
     return whole && run.refused.isEmpty() ? Notice::Kind::Good : Notice::Kind::Attention;
 }
 
+// What can't be seen elsewhere, or else what is to be done.
+QString nextOf(const Run& run, const session::StateText& radio)
+{
+    if (!reachedItsEnd(run) && !run.refused.isEmpty())
+        return run.refused.constFirst();
+    const bool onlyCancelled = run.code == cancelled && run.state() == session::State::Untouched;
+    return (reachedItsEnd(run) || onlyCancelled ? radio.meaning : radio.advice).toString();
+}
+
 } // namespace
 
 QString Notice::text() const
@@ -137,7 +146,7 @@ Notice noticeOf(const Run& run)
     Notice notice;
     notice.kind = kindOf(run);
     notice.headline = headlineOf(run);
-    notice.next = (reachedItsEnd(run) ? radio.meaning : radio.advice).toString();
+    notice.next = nextOf(run, radio);
     for (const ImageNote& image : run.images)
         notice.details.append(lineOf(run, image));
     for (const QString& refused : run.refused)

@@ -17,7 +17,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::size_t sliceBytes = 256 * 1024;
+constexpr std::size_t sliceBytes = 256UL * 1024;
 constexpr qsizetype faultsShown = 20;
 
 QString fileName(const QString& path)
