@@ -20,6 +20,9 @@ namespace {
 using namespace std::chrono_literals;
 using SessionTest = WindowTest;
 
+constexpr auto answerReport =
+    "< 43 0A 00 52 00 56 00 4B 00 42 00 31 00 00 00 00 00 00 00 00 05 00 B6 8F\n< AF AF\n";
+
 using session::Condition;
 using session::Operation;
 
@@ -124,7 +127,7 @@ TEST_F(SessionTest, ThePlanSetsFilesAgainstTheReport)
     fill({QStringLiteral("RVKB1-1"), QStringLiteral("JHA2X-1")}, "00");
     machine.files.files[QStringLiteral("/fw\\a.srec")].content =
         "DW 8\nMD \"RVKB1\",0\nMD \"RVKC9\",0\nS00000004A4841325800\n"
-        "S206010000123400\nS804000000FB\nDW 8\nMD \"K605\",0\nS00000004B\nS804000000FB\n";
+        "S206010000123400\nS804000000FB\n";
     manager->LoadFiles(QStringLiteral("/fw") + QChar::Null + QStringLiteral("a.srec"));
     const auto plan = planOf(*manager->loadedFiles(), window.lock()->configurations());
     ASSERT_FALSE(plan.empty());
@@ -136,7 +139,8 @@ TEST_F(SessionTest, ThePlanSetsFilesAgainstTheReport)
     ChecksumScan scan(machine.files, {QStringLiteral("/fw\\a.srec"), QStringLiteral("/fw\\none")});
     while (scan.step()) {
     }
-    EXPECT_TRUE(scan.faults().contains(QStringLiteral("a.srec, line 5: the checksum is wrong")))
+    EXPECT_TRUE(
+        scan.faults().contains(QStringLiteral("a.srec, line 5: the record's checksum is wrong")))
         << qPrintable(scan.faults().join(u'\n'));
 }
 
