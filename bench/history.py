@@ -96,7 +96,7 @@ class Server:
 
     def fill(self):
         ask(self.store, "list")
-        for statement in statements(lambda count: f"generate_series(0, {count - 1}) n", "lpad(to_hex(n), 8, '0')"):
+        for statement in statements(lambda count: f"generate_series(0, {count - 1}::bigint) n", "lpad(to_hex(n), 8, '0')"):
             self.run("psql", "-h", str(self.folder), "-U", "fldc", "-q", "-d", "postgres", "-c", statement)
         self.run("psql", "-h", str(self.folder), "-U", "fldc", "-q", "-d", "postgres", "-c", "VACUUM ANALYZE")
 
