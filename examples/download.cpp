@@ -4,11 +4,11 @@
 //
 // Exit code 0 when every file was written.
 
-#include "app/WindowFactory.h"
 #include "manager/clsDLManager.h"
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/TerminalMessages.h"
 #include "protocol/IWaitDialog.h"
+#include "ui/logic/WindowFactory.h"
 
 #include <QCoreApplication>
 #include <QTextStream>

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "app/TerminalProgress.h"
-#include "app/WindowFactory.h"
 #include "platform/ShowError.h"
 #include "platform/qt/QtPlatform.h"
 #include "platform/qt/TerminalMessages.h"
@@ -11,6 +10,7 @@
 #include "platform/qt/display/HelpViewer.h"
 #include "platform/qt/display/MessageChooser.h"
 #include "ui/frmWait.h"
+#include "ui/logic/WindowFactory.h"
 
 #include <memory>
 

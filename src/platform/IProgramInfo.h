@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 
 #include <chrono>
 #include <cstdint>
@@ -17,8 +18,12 @@ class IProgramInfo {
 public:
     virtual ~IProgramInfo() = default;
 
-    /// Folder that holds boot files, logs and help; no separator at its end.
+    /// The program's folder, which holds the help; no separator at its end, nor at those below.
     [[nodiscard]] virtual QString folder() const = 0;
+    /// Folder of the logs; made when it is missing.
+    [[nodiscard]] virtual QString logFolder() const { return folder(); }
+    /// Folders of the boot files; a file in an earlier one hides that of its name in a later one.
+    [[nodiscard]] virtual QStringList bootFolders() const { return {folder()}; }
     /// The application's title, shown by message boxes.
     [[nodiscard]] virtual QString title() const = 0;
     [[nodiscard]] virtual ProgramVersion version() const = 0;

@@ -4,6 +4,7 @@
 #include "firmware/clsFile.h"
 #include "platform/IClock.h"
 #include "platform/IEvents.h"
+#include "platform/IFileService.h"
 #include "platform/IProgramInfo.h"
 #include "platform/Platform.h"
 #include "platform/PlatformFailure.h"
@@ -18,6 +19,8 @@
 #include "shared/DisplayTexts.h"
 #include "shared/LastError.h"
 #include "shared/NumberText.h"
+
+#include <algorithm>
 
 namespace fldc {
 
@@ -37,6 +40,16 @@ bool setSpeed(IPort& port, std::uint32_t speed)
 {
     port.SetPortParameters(QString::number(speed), binaryInput);
     return lastError().ok();
+}
+
+// Where the file is; where it should be, when it is missing.
+QString bootFilePath(const Platform& platform, const QString& identifier)
+{
+    const QString name = u'\\' + bootFileFor(identifier);
+    const QStringList folders = platform.program.bootFolders();
+    const auto found = std::ranges::find_if(
+        folders, [&](const QString& folder) { return platform.files.exists(folder + name); });
+    return (found == folders.end() ? folders.last() : *found) + name;
 }
 
 } // namespace
@@ -75,7 +88,7 @@ void clsProtocol::LogRadioIntoUpgradeMode(IProtocolWindow& UIForm, IPort& port, 
             lastError().set(Code::RadioDidNotLogOn);
             return;
         }
-        strUAFile = m_platform.program.folder() + u'\\' + bootFileFor(identifier);
+        strUAFile = bootFilePath(m_platform, identifier);
         lastError().clear();
         m_teller->tell(session::LoggedOn{identifier, true});
         return;

@@ -1,7 +1,7 @@
-#include "app/WindowFactory.h"
 #include "manager/clsDLManager.h"
 #include "protocol/IWaitDialog.h"
 #include "support/VirtualPlatform.h"
+#include "ui/logic/WindowFactory.h"
 
 #include <gtest/gtest.h>
 

@@ -20,7 +20,7 @@ constexpr int highestNumber = std::numeric_limits<std::int16_t>::max();
 
 LogPaths chooseLogPaths(const Platform& platform)
 {
-    const QString folder = platform.program.folder() + u'\\';
+    const QString folder = platform.program.logFolder() + u'\\';
     for (int number = 0; number <= highestNumber; ++number) {
         const QString stem = folder + QString::number(number);
         const LogPaths paths{stem + QStringLiteral("_Download.log"),

@@ -13,7 +13,7 @@ struct LogPaths {
     QString configuration;
 };
 
-/// The first pair <n>_Download.log and <n>_Config.log in the program's folder of which no other
+/// The first pair <n>_Download.log and <n>_Config.log in the folder of logs of which no other
 /// instance holds a file; files of another day are moved aside. Throws PlatformFailure (overflow)
 /// when no pair up to n = 32767 is usable.
 [[nodiscard]] LogPaths chooseLogPaths(const Platform& platform);

@@ -26,11 +26,12 @@ std::optional<QString> RadioPlatform::Settings::readText(const QString& name)
     return name == debugSetting ? QString(settingOff) : m_settings.readText(name);
 }
 
-QString RadioPlatform::Program::folder() const
+QStringList RadioPlatform::Program::bootFolders() const
 {
     if (!m_options.bootFiles)
-        return m_program.folder();
-    return QDir(QFile::decodeName(QByteArray::fromStdString(*m_options.bootFiles))).absolutePath();
+        return m_program.bootFolders();
+    return {
+        QDir(QFile::decodeName(QByteArray::fromStdString(*m_options.bootFiles))).absolutePath()};
 }
 
 std::chrono::milliseconds RadioPlatform::Program::powerCycleLimit() const

@@ -61,7 +61,8 @@ private:
             : m_program(program), m_options(options)
         {
         }
-        [[nodiscard]] QString folder() const override;
+        [[nodiscard]] QString folder() const override { return m_program.folder(); }
+        [[nodiscard]] QStringList bootFolders() const override;
         [[nodiscard]] std::chrono::milliseconds powerCycleLimit() const override;
         [[nodiscard]] QString title() const override { return m_program.title(); }
         [[nodiscard]] ProgramVersion version() const override { return m_program.version(); }

@@ -12,14 +12,57 @@
 
 namespace fldc {
 
+namespace {
+
+const auto packageName = QStringLiteral("rv4100-fldc");
+
+QString homeOfEnvironment()
+{
+    return qEnvironmentVariable("RV4100_FLDC_HOME");
+}
+
+bool installed()
+{
+    return homeOfEnvironment().isEmpty() &&
+           QCoreApplication::applicationDirPath().endsWith(u"/lib/" + packageName);
+}
+
+// A relative path in the variable does not count, as the XDG base directory specification has it.
+QString stateFolder()
+{
+    const QString named = qEnvironmentVariable("XDG_STATE_HOME");
+    return QDir::isAbsolutePath(named) ? QDir::cleanPath(named)
+                                       : QDir::homePath() + QStringLiteral("/.local/state");
+}
+
+} // namespace
+
 QString ProgramInfo::folder() const
 {
-    const QString home = qEnvironmentVariable("RV4100_FLDC_HOME");
+    const QString home = homeOfEnvironment();
     QString folder = home.isEmpty() ? QCoreApplication::applicationDirPath()
                                     : QDir::cleanPath(QDir(home).absolutePath());
     if (folder.endsWith(u'/'))
         folder.chop(1);
     return folder;
+}
+
+QString ProgramInfo::logFolder() const
+{
+    if (!installed())
+        return folder();
+    // When it can't be made, opening the log fails and says so.
+    const QDir state(stateFolder());
+    if (state.mkpath(QStringLiteral(".")))
+        (void)state.mkdir(packageName, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    return state.filePath(packageName);
+}
+
+QStringList ProgramInfo::bootFolders() const
+{
+    if (!installed())
+        return {folder()};
+    return {QStringLiteral("/var/lib/") + packageName, folder()};
 }
 
 QString ProgramInfo::title() const
