@@ -59,11 +59,14 @@ if(FLDC_HARDEN AND NOT FLDC_SANITIZE AND NOT FLDC_FUZZ)
 endif()
 target_link_libraries(fldc_settings INTERFACE fldc_hardening)
 
-# fldc_library(name SOURCES file... LINKS library...): one static library per folder.
+# fldc_library(name SOURCES file... LINKS library...): one static library per folder. The settings
+# are the project's own: programs that link an installed library choose theirs.
 function(fldc_library name)
   cmake_parse_arguments(arg "" "" "SOURCES;LINKS" ${ARGN})
   add_library(${name} STATIC ${arg_SOURCES})
-  target_link_libraries(${name} PUBLIC fldc_settings ${arg_LINKS})
+  add_library(rv4100_fldc::${name} ALIAS ${name})
+  target_compile_features(${name} PUBLIC cxx_std_20)
+  target_link_libraries(${name} PUBLIC $<BUILD_INTERFACE:fldc_settings> ${arg_LINKS})
 endfunction()
 
 # fldc_executable(name SOURCES file... LINKS library...)
