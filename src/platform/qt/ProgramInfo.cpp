@@ -27,7 +27,7 @@ bool installed()
            QCoreApplication::applicationDirPath().endsWith(u"/lib/" + packageName);
 }
 
-// A relative path in the variable does not count, as the XDG base directory specification has it.
+// A relative path in the variable does not count: it would be another folder for each program.
 QString stateFolder()
 {
     const QString named = qEnvironmentVariable("XDG_STATE_HOME");
