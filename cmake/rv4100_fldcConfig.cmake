@@ -1,6 +1,6 @@
 # The component's libraries for find_package(rv4100_fldc): rv4100_fldc::manager and those below it.
 include(CMakeFindDependencyMacro)
-find_dependency(Qt6 6.4 COMPONENTS Core)
+find_dependency(Qt6 6.4 COMPONENTS Core Network)
 find_dependency(ZLIB)
 find_dependency(PkgConfig)
 if(NOT TARGET PkgConfig::libdeflate)
