@@ -68,6 +68,8 @@ int Program::run(HeldSignals& held)
     held.release();
     const int code = runWatched(signalWatch);
     held.hold(); // what comes now must not make another exit code of one that was told
+    if (m_afterResult)
+        m_afterResult();
     return code;
 }
 
@@ -103,16 +105,19 @@ Outcome Program::runCommand(const SignalWatch& signalWatch)
                                  ? std::nullopt
                                  : namePort(m_line.options, use == PortUse::Needed, port);
     files.read(m_line.options.files, wantsEnd);
-    Context context{m_line.options,
-                    m_output,
-                    port,
-                    files,
-                    platform,
-                    m_outputLoss,
-                    wantsEnd,
-                    [&] { return signalWatch.received(); },
-                    tellStarted(port, files),
-                    m_beforeResult};
+    Context context{
+        m_line.options,
+        m_output,
+        port,
+        files,
+        platform,
+        m_outputLoss,
+        wantsEnd,
+        [&] { return signalWatch.received(); },
+        tellStarted(port, files),
+        m_beforeResult,
+        m_afterResult,
+        [&] { (void)m_output.finish(signalWatch.descriptor(), signalWatch.received() != 0); }};
     return portFailure ? *portFailure : m_line.command->run(context);
 }
 

@@ -47,6 +47,7 @@ private:
     OutputLoss m_outputLoss;
     Output m_output;
     std::function<void(const QJsonObject& result)> m_beforeResult; ///< may be empty
+    std::function<void()> m_afterResult;                           ///< likewise
 };
 
 } // namespace fldc::cli

@@ -19,7 +19,7 @@ class Workbench:
         self.folder = pathlib.Path(self._folder.name)
         for boot in (samples / "boot").iterdir():
             (self.folder / boot.name).write_bytes(boot.read_bytes())
-        (self.folder / "settings.conf").write_text(f"[General]\nDebug={debug}\n")
+        (self.folder / "settings.conf").write_text(f"[General]\nDebug={debug}\nHistory=False\n")
         radio = replay or ("--profile", profile, "--flash", self.folder / "flash")
         self._arguments = [simulator, "--link", self.folder / "radio", *radio] + (["--pace"] if pace else [])
         self.start_radio(*faults)

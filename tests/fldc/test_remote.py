@@ -24,12 +24,12 @@ SAMPLES = pathlib.Path(sys.argv[4]).resolve()
 APPLICATION = SAMPLES / "rv4200/application.srec"
 DOWNLOAD = f"download PORT {APPLICATION}"
 SUSPEND, RESUME = bytes.fromhex("FFFA2C6CFFF0"), bytes.fromhex("FFFA2C6DFFF0")
-ACK_115200, ACK_9600 = bytes.fromhex("FFFA2C650001C200FFF0"), bytes.fromhex("FFFA2C6500002580FFF0")
+ASK_115200, ASK_57600 = bytes.fromhex("FFFA2C010001C200FFF0"), bytes.fromhex("FFFA2C010000E100FFF0")
 
 
 class Proxy:
     """Listens in front of `upstream`. delay: seconds each way; piece: most bytes at once; double: what comes from
-    the server comes twice, from the first `at` on; rewrite: (what, by what) from the server; at: bytes from the
+    the server comes twice, from the first `at` on; rewrite: (what, by what); at: bytes from the
     client upon which the connection is cut, stalled or (flow) its data suspended for half a second."""
 
     def __init__(self, upstream, delay=0.0, piece=65536, at=None, then="cut", rewrite=None):
@@ -78,7 +78,7 @@ class Proxy:
                 self.act(client)
             elif from_client and self.suspended:
                 self.early += len(data)
-            if not from_client and self.rewrite:
+            if self.rewrite:
                 data = data.replace(*self.rewrite)
             queue.append((time.monotonic() + self.delay, data * 2 if self.doubling and not from_client else data))
             ready.release()
@@ -153,7 +153,7 @@ LATER = {"at": bytes.fromhex("3DFF")}  # the first data frame
 RUNS = [
     ({}, "report PORT", 0, 0),
     ({"piece": 1}, DOWNLOAD, 0, 0),
-    ({"delay": 0.05, "piece": 7}, DOWNLOAD, 0, 0),
+    ({"delay": 0.025, "piece": 7}, DOWNLOAD, 0, 0),  # 50 ms there and back
     ({"delay": 0.35}, "report PORT", 0, 0),  # longer than the shortest wait for an answer, there and back
     ({**LATER, "then": "flow"}, DOWNLOAD, 0, 0),
     ({**LATER, "then": "cut"}, DOWNLOAD, 7, 15),
@@ -166,9 +166,9 @@ RUNS = [
     ({"at": b"\x5e"}, "report PORT", 5, None),  # reset
     ({"rewrite": (b"\xff\xfd\x00", b"\xff\xfe\x00")}, "report PORT", 4, 15),  # no binary transmission
     ({"rewrite": (b"\xff\xfd\x2c", b"")}, "report PORT", 4, 15),  # no word of the COM port option
-    ({"rewrite": (ACK_115200, ACK_9600)}, "link-test PORT --rounds 2", None, None),
+    ({"rewrite": (ASK_115200, ASK_57600)}, "link-test PORT --rounds 2", None, None),
     ({"rewrite": (bytes.fromhex("FFFA2C7001FFF0"), b"")}, "report PORT", 0, 0),  # purges are not answered
-    ({"rewrite": (bytes.fromhex("FFFA2C65"), bytes.fromhex("FFFA2C6B"))}, "report PORT", 4, 15),  # nor speeds
+    ({"rewrite": (bytes.fromhex("FFFA2C01"), bytes.fromhex("FFFA2C00"))}, "report PORT", 4, 15),  # nor speeds
 ]
 
 
@@ -179,7 +179,7 @@ def run_case(case):
         problems = [] if code is None or found == code else [f"exit {found}"]
         if error is not None and result["code"] != error:
             problems.append(f"code {result['code']}")
-        if result.get("best", 57600) != 57600:  # the server said that it can't do more
+        if result.get("best", 57600) != 57600:  # the server has set another speed
             problems.append(f"best {result['best']}")
         if bench.proxy.early:
             problems.append("sent to a server that had suspended")
@@ -207,12 +207,10 @@ class Runs(unittest.TestCase):
                 code, result, text = bench.run("report PORT")
                 self.assertEqual((code, result["code"], result["radio"]), (4, 12, "untouched"), text)
                 self.assertIn("in use", text.splitlines()[-2].lower())
-            place = bench.line
             bench.proxy.close()
             code, result, text = bench.run("report PORT")
             self.assertEqual((code, result["code"], result["radio"]), (4, 11, "untouched"), text)
-            for wrong in ("rfc2217://", "rfc2217:x", place.rsplit(":", 1)[0], place + "/x", "rfc2217://u@h:1"):
-                self.assertEqual(bench.run(f"doctor {wrong}")[0], 4, wrong)
+            self.assertEqual(bench.run("doctor rfc2217://depot")[0], 4)
 
     def test_nobody_is_asked_by_who_only_looks(self):
         with Depot() as bench:

@@ -3,8 +3,6 @@
 #include "Fuzzing.h"
 #include "support/VirtualPlatform.h"
 
-#include <cerrno>
-
 namespace fldc {
 
 using std::chrono::milliseconds;
@@ -12,7 +10,7 @@ using std::chrono::milliseconds;
 /// A serial line whose radio does what the fuzzer says, command by command: it answers as it
 /// should, with a fault, with the fuzzer's bytes, in pieces, late or never, or hangs up. Once the
 /// fuzzer has no more to say it answers as it should.
-class FuzzedLine final : public ISerialControl {
+class FuzzedLine final : public ScriptedLine {
 public:
     struct Write {
         QByteArray bytes;
@@ -40,59 +38,22 @@ public:
         }
     };
 
-    FuzzedLine(VirtualTime& time, FuzzedDataProvider& fuzz) : m_time(time), m_fuzz(fuzz) {}
+    FuzzedLine(VirtualTime& time, FuzzedDataProvider& fuzz)
+        : ScriptedLine(time), m_time(time), m_fuzz(fuzz)
+    {
+    }
 
     std::vector<Write> writes;
     milliseconds paused{0}; ///< all that the radio let the program wait
     bool faultless = false; ///< from now on
     void repair() { m_hungUp = m_dead = !(faultless = true); }
 
-    [[nodiscard]] int commPort() const override { return 1; }
-    void setCommPort(int /*number*/) override {}
-    [[nodiscard]] bool portOpen() const override { return m_open; }
-    void setPortOpen(bool open) override
-    {
-        EXPECT_NE(open, m_open);
-        if (open && m_hungUp)
-            throw PlatformFailure(static_cast<int>(SerialFailure::InvalidPortNumber), {});
-        m_open = open;
-        m_received.clear();
-    }
-    [[nodiscard]] QString settings() const override { return QStringLiteral("9600,n,8,1"); }
-    void setSettings(const QString& /*settings*/) override {}
-    void setInputMode(int /*mode*/) override {}
-    void setInputLen(int /*bytes*/) override {}
-    [[nodiscard]] int inBufferCount() override
-    {
-        if (m_received.isEmpty())
-            checkUsable();
-        return static_cast<int>(m_received.size());
-    }
-    void setInBufferCount(int /*count*/) override
-    {
-        checkUsable();
-        m_received.clear();
-    }
     [[nodiscard]] QByteArray input() override
     {
-        const QByteArray byte = m_received.left(1);
-        m_received.remove(0, 1);
+        const QByteArray byte = ScriptedLine::input();
         if (!writes.empty())
             writes.back().heard += byte;
         return byte;
-    }
-    void output(const QByteArray& bytes) override
-    {
-        checkUsable();
-        writes.push_back({bytes, {}});
-        QByteArray answer = properAnswer(bytes);
-        int pieces = 1;
-        if (!faultless && m_fuzz.remaining_bytes() > 0) {
-            answer = faultyAnswer(answer, m_fuzz.ConsumeIntegralInRange(0, 20));
-            pieces = m_fuzz.ConsumeBool() ? m_fuzz.ConsumeIntegralInRange(1, 20) : 1;
-        }
-        if (!m_dead)
-            say(answer, pieces);
     }
 
     /// Header, number of words, @p words, checksum.
@@ -107,6 +68,20 @@ public:
     }
 
 private:
+    void expect(const QString& step) override
+    {
+        if (!step.startsWith(u'>'))
+            return;
+        writes.push_back({QByteArray::fromHex(step.mid(1).toLatin1()), {}});
+        QByteArray answer = properAnswer(writes.back().bytes);
+        int pieces = 1;
+        if (!faultless && m_fuzz.remaining_bytes() > 0) {
+            answer = faultyAnswer(answer, m_fuzz.ConsumeIntegralInRange(0, 20));
+            pieces = m_fuzz.ConsumeBool() ? m_fuzz.ConsumeIntegralInRange(1, 20) : 1;
+        }
+        if (!m_dead)
+            answerIn(pieces, answer);
+    }
     [[nodiscard]] static QByteArray properAnswer(const QByteArray& bytes)
     {
         if (bytes == "\x5E" || bytes[0] == '\x36')
@@ -164,49 +139,40 @@ private:
             return proper;
         }
     }
-    void say(const QByteArray& bytes, int pieces)
+    void answerIn(int pieces, const QByteArray& bytes)
     {
         milliseconds at(bytes.size() <= 2 ? 30 : 1); // behind a change of speed
         const qsizetype size = std::max<qsizetype>(1, bytes.size() / pieces);
         for (qsizetype i = 0; i < bytes.size(); i += size) {
             at += milliseconds(pieces > 1 ? m_fuzz.ConsumeIntegralInRange(0, 70'000) : 0);
             m_time.after(at, [this, part = bytes.mid(i, size), repaired = faultless] {
-                if (m_open && repaired == faultless)
-                    m_received += part;
+                if (portOpen() && repaired == faultless)
+                    say(part);
             });
         }
         paused += at;
     }
-    void checkUsable() const
-    {
-        if (!m_open)
-            throw PlatformFailure(static_cast<int>(SerialFailure::OnlyWhilePortOpen), {});
-        if (m_hungUp)
-            throw PlatformFailure(EIO, {});
-    }
 
     VirtualTime& m_time;
     FuzzedDataProvider& m_fuzz;
-    bool m_open = false;
-    bool m_hungUp = false;
     bool m_dead = false;
-    QByteArray m_received;
 };
 
 /// A machine in memory at the end of such a line.
-struct FuzzedMachine : ISerialControlFactory {
+struct FuzzedMachine {
     explicit FuzzedMachine(FuzzedDataProvider& fuzz)
         : line(std::make_shared<FuzzedLine>(machine.time, fuzz))
     {
+        machine.lines.line = line;
     }
-    [[nodiscard]] std::shared_ptr<ISerialControl> create() override { return line; }
 
     VirtualPlatform machine;
     std::shared_ptr<FuzzedLine> line;
     AnyMessages messages;
     ErrorBoxScope errorBox{messages};
-    Platform platform{machine.time,  machine.time, machine.time,    machine.files, machine.settings,
-                      machine.ports, *this,        machine.program, messages};
+    Platform platform{machine.time,  machine.time,     machine.time,
+                      machine.files, machine.settings, machine.ports,
+                      machine.lines, machine.program,  messages};
 };
 
 } // namespace fldc

@@ -2,9 +2,9 @@
 
 #include <QDBusMessage>
 #include <QDBusObjectPath>
+#include <QDBusPendingCall>
 #include <QDBusVirtualObject>
 #include <QProcess>
-#include <QStandardPaths>
 #include <QTemporaryFile>
 #include <QTest>
 
@@ -28,7 +28,8 @@ public:
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& bus) override
     {
         const QString interface = message.interface().section(u'.', -1);
-        calls.append(interface + u'.' + message.member());
+        if (interface != u"Test")
+            calls.append(interface + u'.' + message.member());
         QVariantList answer;
         if (interface == u"Manager")
             answer = {QVariant::fromValue(QDBusUnixFileDescriptor(lock.handle()))};
@@ -86,6 +87,15 @@ protected:
         });
     }
 
+    // An answer comes behind those to what was asked before.
+    bool answersHaveCome(const QDBusConnection& bus)
+    {
+        const QDBusPendingCall last = bus.asyncCall(
+            QDBusMessage::createMethodCall(connectAs("services").baseService(), QStringLiteral("/"),
+                                           busName("Test"), QStringLiteral("Last")));
+        return QTest::qWaitFor([&] { return last.isFinished(); });
+    }
+
     StandIn standIn;
 
 private:
@@ -101,7 +111,7 @@ TEST_F(DesktopSessionTest, TheSessionIsKeptAndLetGo)
     session.preventEnd(QStringLiteral("why"));
     session.preventEnd(QStringLiteral("why"));
     EXPECT_TRUE(asked("Inhibit.Inhibit Manager.Inhibit")) << qPrintable(standIn.calls.join(u' '));
-    QTest::qWait(50); // the answers
+    EXPECT_TRUE(answersHaveCome(bus));
     session.allowEnd();
     session.notify(QStringLiteral("title"), QStringLiteral("text"));
     EXPECT_TRUE(asked("Inhibit.Inhibit Manager.Inhibit Notifications.Notify Request.Close"))
@@ -115,7 +125,7 @@ TEST_F(DesktopSessionTest, WithoutAPortalTheScreenSaverIsAsked)
     DesktopSession session(QStringLiteral("Program"), {bus, bus});
     session.preventEnd(QStringLiteral("why"));
     EXPECT_TRUE(asked("ScreenSaver.Inhibit"));
-    QTest::qWait(50);
+    EXPECT_TRUE(answersHaveCome(bus));
     session.allowEnd();
     EXPECT_TRUE(asked("ScreenSaver.Inhibit ScreenSaver.UnInhibit"));
 }

@@ -21,7 +21,7 @@ namespace fldc {
 /// A script may begin with what the radio says. A write or an opening that the script does not have
 /// next fails the test. The radio speaks at the speed that the line has when it is made to; what
 /// arrives while the line is closed, or has another speed by then, is lost.
-class ScriptedLine final : public ISerialControl {
+class ScriptedLine : public ISerialControl {
 public:
     explicit ScriptedLine(VirtualTime& time) : m_time(time) {}
 
@@ -48,8 +48,13 @@ public:
     [[nodiscard]] QByteArray input() override;
     void output(const QByteArray& bytes) override;
 
+protected:
+    /// The program does this: "@ SPEED" or "> BYTES", as a script has it.
+    virtual void expect(const QString& step);
+
+    bool m_hungUp = false;
+
 private:
-    void expect(const QString& step);
     void takeAnswers();
     void arrive(const QByteArray& bytes, const QString& spokenAt);
     void failIfScripted(const QString& operation);
@@ -59,7 +64,6 @@ private:
     std::deque<QString> m_script;
     int m_commPort = 1;
     bool m_open = false;
-    bool m_hungUp = false;
     QString m_settings = QStringLiteral("9600,n,8,1");
     QByteArray m_received;
     int m_splitBytes = 0;

@@ -113,7 +113,7 @@ class Player:
         (self.folder / "home").mkdir()
         for boot in BOOT.iterdir():
             shutil.copy(boot, self.folder / "home")
-        (self.folder / "settings.conf").write_text(f"[General]\nDebug={plan.program != 'fldc'}\n")
+        (self.folder / "settings.conf").write_text(f"[General]\nDebug={plan.program != 'fldc'}\nHistory=False\n")
         self.environment = {k: v for k, v in os.environ.items() if k not in ("DISPLAY", "WAYLAND_DISPLAY", "FLDC_PORT")}
         self.environment.update(RV4100_FLDC_PORTS=f"COM1={self.folder / 'port'}", RV4100_FLDC_HOME=f"{self.folder}/home",
                                 RV4100_FLDC_SETTINGS=f"{self.folder}/settings.conf", RV4100_FLDC_POWER_CYCLE_S="3",

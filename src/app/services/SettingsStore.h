@@ -16,6 +16,10 @@ inline const QString lastFileSetting = QStringLiteral("LastFile");
 /// settingBest: files are loaded with the best compression. Compared exactly.
 inline const QString compressionSetting = QStringLiteral("Compression");
 
+/// settingOff: no run is recorded; nothing or settingOn: in the user's data folder; else the
+/// address of the store.
+inline const QString historySetting = QStringLiteral("History");
+
 inline const QString settingBest = QStringLiteral("Best");
 inline const QString settingOn = QStringLiteral("True");
 inline const QString settingOff = QStringLiteral("False");

@@ -44,18 +44,24 @@ QJsonValue configurationDifference(const QJsonValue& before, const QJsonValue& a
                        {"removed"_L1, without(before.toArray(), after.toArray())}});
 }
 
-Certificate::Certificate(CertificateFacts facts, const std::vector<FirmwareFile>& files)
-    : m_facts(std::move(facts))
+Certificate::Certificate(CertificateFacts facts, std::vector<FirmwareFile> files)
+    : m_facts(std::move(facts)), m_files(std::move(files))
 {
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        for (const auto& image : files[i].images) {
+}
+
+QMap<QString, QString> Certificate::checksums() const
+{
+    QMap<QString, QString> checksums;
+    for (std::size_t i = 0; i < m_files.size(); ++i) {
+        for (const auto& image : m_files[i].images) {
             const ImageParts parts = imageParts(*image, false);
             for (const auto& table : parts.tables)
-                m_checksums.insert(
+                checksums.insert(
                     tableKey(static_cast<int>(i) + 1, parts.tag, table["address"_L1].toInteger()),
                     table["crc32"_L1].toString());
         }
     }
+    return checksums;
 }
 
 QString Certificate::tableKey(int file, const QString& tag, qint64 address)
@@ -85,8 +91,9 @@ void Certificate::hear(const ObjectKind& kind, const QJsonObject& object)
 
 void Certificate::hearConfiguration(const QJsonObject& object)
 {
-    const bool before = object["when"_L1].toString() == "before"_L1;
-    (before ? m_before : m_after) = object["components"_L1];
+    // What an erasure reads first is a report.
+    const bool after = object["when"_L1].toString() == "after"_L1;
+    (after ? m_after : m_before) = object["components"_L1];
 }
 
 void Certificate::hearTable(const QJsonObject& object)
@@ -94,17 +101,12 @@ void Certificate::hearTable(const QJsonObject& object)
     if (m_targets.empty())
         return;
     Target& target = m_targets.back();
-    const auto checksum = m_checksums.constFind(tableKey(target.object["file"_L1].toInt(),
-                                                         target.object["tag"_L1].toString(),
-                                                         object["address"_L1].toInteger()));
-    // A run that had to be put together anew for the radio's flash is none of the file's.
-    const bool known = checksum != m_checksums.constEnd();
     target.tables.append(
         makeObject(kind::certificateTable, {{"address"_L1, object["address"_L1]},
                                             {"bytes"_L1, object["bytes"_L1]},
                                             {"wire_bytes"_L1, object["wire_bytes"_L1]},
                                             {"compressed"_L1, object["compressed"_L1]},
-                                            {"crc32"_L1, known ? *checksum : QJsonValue()}}));
+                                            {"crc32"_L1, QJsonValue()}}));
 }
 
 void Certificate::hearBlocks(const QJsonObject& object)
@@ -121,7 +123,19 @@ void Certificate::hearBlocks(const QJsonObject& object)
 QJsonObject Certificate::toJson(const QJsonObject& result) const
 {
     QJsonArray targets;
-    for (const Target& target : m_targets)
+    const auto checksums = m_targets.empty() ? QMap<QString, QString>() : this->checksums();
+    for (Target target : m_targets) {
+        for (auto&& table : target.tables) {
+            // A run that had to be put together anew for the radio's flash is none of the file's.
+            const auto checksum = checksums.constFind(
+                tableKey(target.object["file"_L1].toInt(), target.object["tag"_L1].toString(),
+                         table.toObject()["address"_L1].toInteger()));
+            if (checksum == checksums.constEnd())
+                continue;
+            QJsonObject known = table.toObject();
+            known["crc32"_L1] = *checksum;
+            table = known;
+        }
         targets.append(
             makeObject(kind::certificateTarget, {{"file"_L1, target.object["file"_L1]},
                                                  {"tag"_L1, target.object["tag"_L1]},
@@ -129,6 +143,7 @@ QJsonObject Certificate::toJson(const QJsonObject& result) const
                                                  {"device"_L1, target.object["device"_L1]},
                                                  {"tables"_L1, target.tables},
                                                  {"locked"_L1, target.locked}}));
+    }
     QJsonObject certificate = makeObject(
         kind::certificate, {{"schema"_L1, schema},
                             {"started"_L1, m_facts.started},

@@ -24,8 +24,9 @@ struct CertificateFacts {
 /// The certificate of one download, put together from the same objects that --json prints.
 class Certificate {
 public:
-    /// @p files: those of the command line, for the checksums of their tables.
-    explicit Certificate(CertificateFacts facts, const std::vector<FirmwareFile>& files);
+    /// @p files: those of the command line, for the checksums of their tables; these are made when
+    /// the result is known, so that no radio waits for them.
+    explicit Certificate(CertificateFacts facts, std::vector<FirmwareFile> files);
 
     /// Takes what it needs of the objects told. An erase makes the tables of the present target
     /// void that were written before it.
@@ -38,6 +39,9 @@ private:
     /// An image's table, by file (from 1), tag and address.
     [[nodiscard]] static QString tableKey(int file, const QString& tag, qint64 address);
 
+    /// Of all tables of the files, by tableKey().
+    [[nodiscard]] QMap<QString, QString> checksums() const;
+
     void hearConfiguration(const QJsonObject& object);
     void hearTable(const QJsonObject& object);
     void hearBlocks(const QJsonObject& object);
@@ -49,7 +53,7 @@ private:
     };
 
     CertificateFacts m_facts;
-    QMap<QString, QString> m_checksums; ///< by tableKey()
+    std::vector<FirmwareFile> m_files;
     QJsonValue m_radio{QJsonValue::Null};
     QJsonValue m_bootApplication{QJsonValue::Null};
     QJsonValue m_speed{QJsonValue::Null};

@@ -5,6 +5,7 @@
 #include "fldc/commands/Command.h"
 #include "fldc/commands/Steps.h"
 #include "fldc/files/NamedPort.h"
+#include "fldc/history/HistoryKeeper.h"
 #include "fldc/options/Options.h"
 #include "fldc/output/Output.h"
 #include "platform/PlatformFailure.h"
@@ -38,14 +39,12 @@ bool concernsARadio(const QJsonObject& result)
     return code != Exit::Usage && code != Exit::File;
 }
 
-} // namespace
-
-std::optional<Outcome> keepCertificate(Context& context, const LoadedFirmware& firmware)
+// Null without --certificate.
+std::optional<Outcome> openFolder(const Options& options,
+                                  std::shared_ptr<CertificateFolder>& folder)
 {
-    const Options& options = context.options;
     if (!options.certificate)
         return std::nullopt;
-    std::shared_ptr<CertificateFolder> folder;
     try {
         folder = std::make_shared<CertificateFolder>(*options.certificate);
     } catch (const PlatformFailure& failed) {
@@ -53,20 +52,42 @@ std::optional<Outcome> keepCertificate(Context& context, const LoadedFirmware& f
                        u"The certificate's folder can't be written to: "_s + failed.description(),
                        u"Name another folder, or ask for the right to write into this one."_s);
     }
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<Outcome> keepCertificate(Context& context, const std::vector<FirmwareFile>& files)
+{
+    const Options& options = context.options;
+    std::shared_ptr<CertificateFolder> folder;
+    ChosenStore store;
+    if (auto ended = openFolder(options, folder))
+        return ended;
+    if (auto ended = chooseStore(context, store))
+        return ended;
+    const Recorder record = recorderOf(context, store);
+    if (!folder && !record)
+        return std::nullopt;
 
     const QString unit = QString::fromStdString(options.unit);
     const QString port = context.port.name;
     const auto certificate = std::make_shared<Certificate>(
         CertificateFacts{unit, QString::fromStdString(options.job), utcNow(), context.started,
                          adapterOf(context.started["device"_L1].toString())},
-        firmware.files);
+        files);
     context.output.setHearer([certificate](const ObjectKind& kind, const QJsonObject& object) {
         certificate->hear(kind, object);
     });
     context.beforeResult = [=](const QJsonObject& result) {
-        if (concernsARadio(result))
-            (void)folder->write(QJsonDocument(certificate->toJson(result)).toJson(),
-                                QDateTime::currentDateTimeUtc(), unit.isEmpty() ? port : unit);
+        if (!concernsARadio(result))
+            return;
+        const QJsonObject whole = certificate->toJson(result);
+        if (record)
+            record(whole);
+        if (folder)
+            (void)folder->write(QJsonDocument(whole).toJson(), QDateTime::currentDateTimeUtc(),
+                                unit.isEmpty() ? port : unit);
     };
     return std::nullopt;
 }

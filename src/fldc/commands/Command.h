@@ -35,6 +35,10 @@ struct Context {
     /// Called when the result is known and about to be told; what it throws makes the run end with
     /// exit code 10 where nothing worse has happened. What it needs must outlive the command.
     std::function<void(const QJsonObject& result)>& beforeResult;
+    /// Called when everything is told and written; must not throw. Likewise.
+    std::function<void()>& afterResult;
+    /// Waits until standard output has taken what was told, or a signal comes: for long tables.
+    std::function<void()> catchUp;
 };
 
 enum class PortUse {
@@ -48,7 +52,7 @@ struct Command {
     const char* name;
     const char* summary;
     PortUse port;
-    std::array<OptionGroup, 4> groups; ///< null where there are fewer
+    std::array<OptionGroup, 5> groups; ///< null where there are fewer
     Outcome (*run)(Context& context);
 };
 

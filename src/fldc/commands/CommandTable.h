@@ -25,5 +25,6 @@ namespace fldc::cli {
 [[nodiscard]] Outcome runInspect(Context& context);
 [[nodiscard]] Outcome runPlan(Context& context);
 [[nodiscard]] Outcome runCertificate(Context& context);
+[[nodiscard]] Outcome runHistory(Context& context);
 
 } // namespace fldc::cli

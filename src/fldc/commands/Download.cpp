@@ -44,7 +44,7 @@ Outcome runDownload(Context& context)
         return *ended;
     if (auto ended = refuseFpga(context, firmware))
         return *ended;
-    if (auto ended = keepCertificate(context, firmware))
+    if (auto ended = keepCertificate(context, firmware.files))
         return *ended;
 
     RadioRun run(context, context.port.device, filesOfImages(firmware));

@@ -1,4 +1,6 @@
+#include "fldc/certificate/CertificateKeeper.h"
 #include "fldc/commands/CommandTable.h"
+#include "fldc/files/FirmwareFile.h"
 #include "fldc/files/NamedPort.h"
 #include "fldc/options/Options.h"
 #include "fldc/output/Output.h"
@@ -79,6 +81,8 @@ QString eraseList(const Positions& chosen)
 // off and on is so once.
 Outcome runErase(Context& context)
 {
+    if (auto ended = keepCertificate(context, {}))
+        return *ended;
     RadioRun run(context, context.port.device);
     if (auto ended = run.openLog())
         return *ended;

@@ -142,6 +142,7 @@ QStringList Gang::argumentsOf(const QString& port, const QString& label) const
     append(arguments, "--compression", options.compression);
     append(arguments, "--boot-files", options.bootFiles);
     append(arguments, "--certificate", options.certificate);
+    append(arguments, "--store", options.store);
     if (options.powerCycleWait)
         arguments += {u"--power-cycle-wait"_s, QString::number(*options.powerCycleWait)};
     if (options.log)

@@ -60,11 +60,12 @@ void unmark(std::optional<std::string>& argument)
 
 void unmark(Options& options)
 {
-    for (auto* value : {&options.log, &options.port, &options.bootFiles, &options.certificate})
+    for (auto* value :
+         {&options.log, &options.port, &options.bootFiles, &options.certificate, &options.store})
         unmark(*value);
-    for (auto* value : {&options.unit, &options.job})
+    for (auto* value : {&options.unit, &options.job, &options.tag})
         unmark(*value);
-    for (auto* values : {&options.files, &options.components, &options.ports})
+    for (auto* values : {&options.files, &options.components, &options.ports, &options.outdated})
         std::ranges::for_each(*values, [](std::string& value) { unmark(value); });
 }
 

@@ -117,6 +117,46 @@ void addCompression(CLI::App& command, Options& options)
         ->check(CLI::IsMember({"standard", "best"}));
 }
 
+void addStore(CLI::App& command, Options& options)
+{
+    command
+        .add_option("--store", options.store,
+                    "Where the history is kept: postgresql://USER@HOST/DATABASE or sqlite:PATH")
+        ->type_name("STORE");
+}
+
+void addHistory(CLI::App& command, Options& options)
+{
+    command
+        .add_option(
+            "ACTION", options.action,
+            "list records, show one, export them (CSV; with --json JSON Lines), list units, "
+            "or deliver what waits")
+        ->required()
+        ->check(CLI::IsMember({"list", "show", "export", "units", "deliver"}));
+    command.add_option("RECORD", options.record, "Number of a record, or its beginning");
+    command.add_option("--unit", options.unit, "Of this unit")->type_name("TEXT");
+    command.add_option("--tag", options.tag, "That wrote or erased this")->type_name("TAG");
+    command.add_option("--since", options.since, "From this day or time on")->type_name("TIME");
+    command.add_option("--until", options.until, "To the end of this day, or before this time")
+        ->type_name("TIME");
+    command.add_option("--result", options.result, "That ended so")->type_name("ok|failed|EXIT");
+    command
+        .add_option("--outdated", options.outdated,
+                    "units: that have another version than this, or were left incomplete")
+        ->type_name("TAG");
+    command
+        .add_option_function<std::int64_t>(
+            "--limit",
+            [&options](std::int64_t limit) {
+                options.limit = limit;
+                options.limitWasGiven = true;
+            },
+            "At most that many; 0 for all [100; export: all]")
+        ->type_name("N")
+        ->check(CLI::NonNegativeNumber);
+}
+
 void addGeneral(CLI::App& command, Options& options)
 {
     const ProgramVersion version = ProgramInfo().version();

@@ -24,6 +24,8 @@ void addDownload(CLI::App& command, Options& options);
 void addGang(CLI::App& command, Options& options);   ///< --port P..., --all, --repeat
 void addRounds(CLI::App& command, Options& options); ///< --rounds N
 void addCompression(CLI::App& command, Options& options);
+void addStore(CLI::App& command, Options& options);   ///< --store
+void addHistory(CLI::App& command, Options& options); ///< ACTION and what it asks for
 /// --json, --log and --version, which stand before or behind the command.
 void addGeneral(CLI::App& command, Options& options);
 

@@ -32,6 +32,18 @@ struct Options {
     std::string unit;
     std::string job;
     std::optional<std::string> certificate; ///< folder
+
+    // History
+    std::optional<std::string> store; ///< else as variable and settings say
+    std::string action;               ///< "list" and so on
+    std::string record;               ///< beginning of a record's number
+    std::string tag;
+    std::string since;
+    std::string until;
+    std::string result; ///< "ok", "failed" or an exit code
+    std::vector<std::string> outdated;
+    std::int64_t limit = 100; ///< rows; 0 for all
+    bool limitWasGiven = false;
 };
 
 } // namespace fldc::cli

@@ -81,6 +81,12 @@ inline constexpr ObjectKind certificateTable{"certificate.targets.tables",
 inline constexpr ObjectKind certificateAdapter{"certificate.adapter",
                                                "device stable description vendor product serial"};
 
+inline constexpr ObjectKind record{
+    "record", "id start end command unit job port device adapter host user version identifier exit "
+              "code radio message written confirmed not_matched incomplete erased certificate?"};
+inline constexpr ObjectKind unit{"unit", "unit start record exit radio products"};
+inline constexpr ObjectKind unitProduct{"unit.products", "product status network device"};
+
 } // namespace kind
 
 inline constexpr std::array objectKinds{
@@ -118,6 +124,9 @@ inline constexpr std::array objectKinds{
     kind::certificateTarget,
     kind::certificateTable,
     kind::certificateAdapter,
+    kind::record,
+    kind::unit,
+    kind::unitProduct,
 };
 
 } // namespace fldc::cli

@@ -29,6 +29,12 @@ void Output::print(const QString& text)
         printAlways(printable(text));
 }
 
+void Output::printData(const QString& text)
+{
+    if (!m_json && !m_ended)
+        printAlways(text);
+}
+
 void Output::printAlways(const QString& text)
 {
     m_terminal.endLine();
@@ -42,7 +48,7 @@ void Output::tellResult(const QJsonObject& object, const Outcome& outcome)
         m_terminal.complain(outcome.message, outcome.advice);
     else if (!outcome.advice.isEmpty())
         print(outcome.message + u'\n' + outcome.advice + u'\n');
-    else
+    else if (!outcome.message.isEmpty())
         print(outcome.message + u'\n');
     m_ended = true;
 }

@@ -28,6 +28,8 @@ public:
 
     void tell(const ObjectKind& kind, const QJsonObject& object);
     void print(const QString& text);
+    /// The same for what programs read: not a character of it is replaced.
+    void printData(const QString& text);
     /// Text that was asked for in every form: --help, --version.
     void printAlways(const QString& text);
     /// The result: in JSON the last line; for people message and advice, on standard error when

@@ -168,6 +168,9 @@ int RemoteLine::await(milliseconds longest, const std::function<bool()>& done, b
 
 void RemoteLine::configure(std::uint32_t speed)
 {
+    if (speed == m_speed) // reopened as it was
+        return;
+    m_speed = 0;
     const auto asked = SteadyClock::now();
     askForEverything(speed);
     m_socket.flush();
