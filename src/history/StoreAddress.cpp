@@ -31,6 +31,8 @@ QString StoreAddress::name() const
 std::optional<StoreAddress> readStoreAddress(const QString& text)
 {
     StoreAddress address;
+    if (text.contains(QChar(0))) // no path has one; the rest would be lost without a word
+        return std::nullopt;
     if (text.startsWith(u"postgresql://"_s) || text.startsWith(u"postgres://"_s)) {
         address.kind = StoreAddress::Kind::PostgreSql;
         address.url = QUrl(text, QUrl::StrictMode);

@@ -4,6 +4,7 @@
 #include "fldc/output/JsonObject.h"
 #include "fldc/output/ProgressView.h"
 #include "fldc/process/OutputLoss.h"
+#include "history/StoreAddress.h"
 #include "platform/PlatformFailure.h"
 
 #include <QDir>
@@ -78,6 +79,16 @@ TEST(OutputLoss, CancelsOnlyBeforeTheFirstErase)
     late.lost();
     late.lost();
     EXPECT_TRUE(late.isLost() && !late.wantsCancel());
+}
+
+TEST(StoreAddress, IsAPathOrAServerAndNothingElse)
+{
+    for (const QString& text :
+         {u"/a/b"_s, u"sqlite:a"_s, u"postgresql://h/d"_s, u"postgres://u:p@h:1/d"_s})
+        EXPECT_TRUE(history::readStoreAddress(text)) << qPrintable(text);
+    for (const QString& text : {QString(), u"a/b"_s, u"sqlite:"_s, u"postgresql://h:x/d"_s,
+                                QString(u"/a"_s + QChar(0) + u"b"_s)})
+        EXPECT_FALSE(history::readStoreAddress(text)) << qPrintable(text);
 }
 
 TEST(ProgressView, RedrawsALineOrPrintsOneForEveryTenPerCent)

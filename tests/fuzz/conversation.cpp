@@ -151,6 +151,31 @@ void prepare(VirtualPlatform& machine)
     files[QStringLiteral("fw\\b")].content = firmware("JHA2G", "");
 }
 
+void checkNothingIsLeft(const FuzzedMachine& all)
+{
+    EXPECT_FALSE(all.line->portOpen());
+    EXPECT_EQ(all.machine.time.timersRunning(), 0);
+    for (const auto& [path, file] : all.machine.files.files)
+        EXPECT_EQ(file.content.count("START LOG"), file.content.count("END LOG"));
+}
+
+/// Cancels what runs at some moment, or never.
+struct CancelAtSomeMoment {
+    CancelAtSomeMoment(FuzzedMachine& all, clsDLManager& manager, FuzzedDataProvider& fuzz)
+    {
+        if (fuzz.ConsumeIntegralInRange(0, 3) != 0)
+            return;
+        all.machine.time.after(milliseconds(fuzz.ConsumeIntegralInRange(0, 60'000)),
+                               [this, &all, &manager] {
+                                   if (all.line->faultless)
+                                       return;
+                                   manager.cancelOperation();
+                                   sent = all.line->writes.size();
+                               });
+    }
+    std::size_t sent = SIZE_MAX; ///< writes before it
+};
+
 // To the repaired radio, with a file more.
 void downloadAgain(clsDLManager& manager, FuzzedLine& line)
 {
@@ -176,18 +201,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
     clsDLManager& manager = *owner;
     manager.addListener(surroundings);
     EXPECT_EQ(manager.LoadFilesEx(QStringLiteral("fw,a"), QStringLiteral(",")), 0);
-    std::size_t sent = SIZE_MAX; // before a cancellation
-    if (fuzz.ConsumeIntegralInRange(0, 3) == 0) {
-        machine.time.after(milliseconds(fuzz.ConsumeIntegralInRange(0, 60'000)), [&] {
-            if (line.faultless)
-                return;
-            manager.cancelOperation();
-            sent = line.writes.size();
-        });
-    }
+    const CancelAtSomeMoment cancellation(all, manager, fuzz);
     const int operation = fuzz.ConsumeIntegralInRange(0, 7);
     const int result = run(manager, operation, fuzz);
-    EXPECT_GE(sent, line.writes.size());
+    EXPECT_GE(cancellation.sent, line.writes.size());
 
     const auto longest = line.paused + std::chrono::seconds(60 * (line.writes.size() + 10));
     EXPECT_LT(machine.time.monotonic(), longest);
@@ -195,10 +212,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
 
     downloadAgain(manager, line);
     EXPECT_EQ(stateOf(surroundings.radio), State::Restarted);
-    EXPECT_FALSE(line.portOpen());
-    EXPECT_EQ(machine.time.timersRunning(), 0);
     owner.reset();
-    for (const auto& [path, file] : machine.files.files)
-        EXPECT_EQ(file.content.count("START LOG"), file.content.count("END LOG"));
+    checkNothingIsLeft(all);
     return 0;
 }
