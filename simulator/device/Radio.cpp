@@ -22,7 +22,7 @@ constexpr milliseconds startTime = 150ms;
 constexpr milliseconds logOnWindow = 5000ms;
 // A boot application has no length of its own. It is over when the line has been quiet for longer
 // than a busy host lets it be between two bytes, and well within the 2 s for which the host waits.
-constexpr milliseconds quietAfterBootApplication = 200ms;
+constexpr milliseconds quietAfterBootApplication = 400ms;
 constexpr milliseconds intercharacterTime = 200ms;
 constexpr milliseconds identifierTime = 10ms;
 
