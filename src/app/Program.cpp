@@ -7,6 +7,7 @@
 #include "platform/qt/ProgramInfo.h"
 #include "platform/qt/SignalWatch.h"
 #include "shared/LastError.h"
+#include "ui/desktop/ReadablePalette.h"
 #include "ui/frmDownload.h"
 #include "ui/frmIcon.h"
 
@@ -31,6 +32,7 @@ Program::Program(bool onTerminal)
                 [this](const std::shared_ptr<DownloadWindow>& window) { watch(window); })
 {
     frmIcon::useForApplication();
+    new ReadablePalette(qApp);
     if (onTerminal && isatty(STDERR_FILENO) != 0)
         m_terminal = std::make_unique<TerminalProgress>(STDERR_FILENO);
     m_terminalMessages.setEndLine([this] {

@@ -67,7 +67,7 @@ QColor faultColour(const QPalette& palette)
 }
 
 // An exclamation mark, half as wide as a box: colour alone would not be seen by everybody.
-QIcon faultIcon(const QColor& colour)
+QPixmap faultMark(const QColor& colour)
 {
     QPixmap mark(largestIconPixels / 2, largestIconPixels);
     mark.fill(Qt::transparent);
@@ -78,6 +78,13 @@ QIcon faultIcon(const QColor& colour)
     painter.drawRoundedRect(QRect(10, 8, 12, 32), 6, 6);
     painter.drawEllipse(QRect(10, 46, 12, 12));
     return mark;
+}
+
+QIcon faultIcon(const QColor& colour, const QColor& onHighlight)
+{
+    QIcon icon(faultMark(colour));
+    icon.addPixmap(faultMark(onHighlight), QIcon::Selected);
+    return icon;
 }
 
 // A box is a picture to the eye and a check state to screen readers.
@@ -182,7 +189,7 @@ void ConfigurationView::showCheckState(int row, Qt::CheckState state)
 void ConfigurationView::applyColours()
 {
     const QColor fault = faultColour(palette());
-    const QIcon mark = faultIcon(fault);
+    const QIcon mark = faultIcon(fault, palette().color(QPalette::HighlightedText));
     for (int i = 0; i < topLevelItemCount(); ++i) {
         const ConfigurationRow& row = m_list->rows().at(static_cast<std::size_t>(i));
         topLevelItem(i)->setForeground(statusColumn,

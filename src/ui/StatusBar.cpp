@@ -5,6 +5,7 @@
 #include <QLayout>
 #include <QPainter>
 #include <QStyle>
+#include <QStyleOption>
 
 #include <algorithm>
 
@@ -68,7 +69,6 @@ StatusBar::StatusBar(QWidget* parent)
       m_baud(addPanel(QStringLiteral("panelBaud")))
 {
     setSizeGripEnabled(false);
-    setStyleSheet(QStringLiteral("QStatusBar::item { border: none; }"));
     addWidget(m_tag);
     addWidget(m_status, 1);
     addWidget(m_baud);
@@ -82,6 +82,16 @@ StatusPanel* StatusBar::addPanel(const QString& name)
     auto* panel = new StatusPanel(this);
     panel->setObjectName(name);
     return panel;
+}
+
+// Without the toolkit's frames around the panels, which have their own. A style sheet that says so
+// would keep the panels' colours when the desktop's change.
+void StatusBar::paintEvent(QPaintEvent* /*event*/)
+{
+    QStyleOption option;
+    option.initFrom(this);
+    QPainter painter(this);
+    style()->drawPrimitive(QStyle::PE_PanelStatusBar, &option, &painter, this);
 }
 
 // The toolkit leaves room above and below, which a line of text needs itself.

@@ -38,6 +38,7 @@ public:
     void showBaud(const QString& text) { m_baud->showText(text); }
 
 protected:
+    void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
