@@ -1,5 +1,6 @@
 #include "fldc/Program.h"
 
+#include "certificate/RunObjects.h"
 #include "fldc/commands/Command.h"
 #include "fldc/files/InputFiles.h"
 #include "fldc/files/NamedPort.h"
@@ -19,12 +20,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QString versionText()
-{
-    const ProgramVersion version = ProgramInfo().version();
-    return u"%1.%2.%3"_s.arg(version.major).arg(version.minor).arg(version.revision);
-}
-
 Outcome unexpectedFailure()
 {
     return failure(Exit::Unexpected, Code::RuntimeError,
@@ -37,20 +32,6 @@ QString signalText(int number)
     return u"Ended by %1."_s.arg(number == SIGINT    ? u"SIGINT"_s
                                  : number == SIGTERM ? u"SIGTERM"_s
                                                      : u"SIGHUP"_s);
-}
-
-// To the millisecond.
-double secondsSince(std::chrono::steady_clock::time_point start)
-{
-    const auto passed = std::chrono::steady_clock::now() - start;
-    return static_cast<double>(
-               std::chrono::duration_cast<std::chrono::milliseconds>(passed).count()) /
-           1000;
-}
-
-QString adviceOf(const Outcome& outcome)
-{
-    return outcome.advice.isEmpty() ? u"Nothing is left to do."_s : outcome.advice;
 }
 
 } // namespace
@@ -123,15 +104,8 @@ Outcome Program::runCommand(const SignalWatch& signalWatch)
 
 QJsonObject Program::tellStarted(const NamedPort& port, const InputFiles& files)
 {
-    const auto text = [](const QString& value) {
-        return value.isEmpty() ? QJsonValue() : QJsonValue(validText(value));
-    };
-    const QJsonObject started = makeObject(kind::started, {{"schema"_L1, schema},
-                                                           {"command"_L1, commandName()},
-                                                           {"port"_L1, text(port.name)},
-                                                           {"device"_L1, text(port.device)},
-                                                           {"files"_L1, files.toJson()},
-                                                           {"version"_L1, versionText()}});
+    const QJsonObject started = startedObject(
+        {commandName(), port.name, port.device, files.toJson(), ProgramInfo().version()});
     m_output.tell(kind::started, started);
     return started;
 }
@@ -139,7 +113,7 @@ QJsonObject Program::tellStarted(const NamedPort& port, const InputFiles& files)
 // What the outcome is worth in the end: a signal or a lost output may stand before it.
 int Program::end(Outcome outcome, const SignalWatch& signalWatch)
 {
-    m_seconds = secondsSince(m_start);
+    m_seconds = secondsBetween(m_start, std::chrono::steady_clock::now());
     if (const int signal = signalWatch.received(); signal != 0) {
         if (outcome.ok())
             outcome.advice = u"Start again."_s;
@@ -192,27 +166,7 @@ void Program::callBeforeResult(Outcome& outcome) const
 
 QJsonObject Program::resultObject(const Outcome& outcome) const
 {
-    QJsonObject object = makeObject(kind::result, {{"command"_L1, commandName()},
-                                                   {"ok"_L1, outcome.ok()},
-                                                   {"exit"_L1, static_cast<int>(outcome.exit)},
-                                                   {"code"_L1, static_cast<int>(outcome.code)},
-                                                   {"message"_L1, outcome.message},
-                                                   {"advice"_L1, adviceOf(outcome)},
-                                                   {"radio"_L1, outcome.radio},
-                                                   {"seconds"_L1, m_seconds}});
-    if (const auto& download = outcome.download)
-        object = extended(object, kind::result,
-                          {{"written"_L1, jsonTexts(download->written)},
-                           {"not_matched"_L1, jsonTexts(download->notMatched)},
-                           {"confirmed"_L1, jsonTexts(download->confirmed)},
-                           {"baud"_L1, download->baud},
-                           {"retries"_L1, download->retries},
-                           {"wire_bytes"_L1, qint64{download->wireBytes}}});
-    if (const auto& best = outcome.best)
-        object =
-            extended(object, kind::result,
-                     {{"best"_L1, *best ? QJsonValue(static_cast<qint64>(**best)) : QJsonValue()}});
-    return object;
+    return fldc::resultObject(commandName(), outcome, m_seconds);
 }
 
 QString Program::commandName() const

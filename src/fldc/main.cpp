@@ -26,6 +26,6 @@ int main(int argc, char** argv)
         return fldc::cli::Program(arguments).run(held);
     } catch (const std::exception& failure) {
         std::fprintf(stderr, "fldc: %s\n", failure.what());
-        return static_cast<int>(fldc::cli::Exit::Unexpected);
+        return static_cast<int>(fldc::Exit::Unexpected);
     }
 }

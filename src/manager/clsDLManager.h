@@ -24,9 +24,11 @@ class IDownloadWindow;
 class IDownloadWindowFactory;
 class IPort;
 class IWaitDialogFactory;
+class clsConfiguration;
 class clsFile;
 class clsProtocol;
 class clsRadio;
+class colConfigurations;
 class colFiles;
 
 /// The one object through which everything is done: it owns the window, the protocol, the port, the
@@ -203,6 +205,7 @@ private:
     void SendBootApplication(Session& session, const QString& strFileName);
     void trap(Trap kind, const std::function<void()>& steps);
     [[nodiscard]] std::int16_t takeResult() const;
+    [[nodiscard]] static session::Component componentOf(const clsConfiguration& configuration);
     void tellConfigurations(session::Reading when, const clsRadio& radio) const;
     void tellEnded(const LastError& outcome);
     void complete();
@@ -224,6 +227,7 @@ private:
     // Report (clsDLManager_report.cpp) and erasure (clsDLManager_erase.cpp)
     void reportSteps(Session& session, QString& strFiles);
     void eraseSteps(Session& session, const QString& FilesToErase);
+    void tellChosen(const colConfigurations& known, const QStringList& positions) const;
     void rereadAfterErasure(Session& session, QString& strFilesToReport);
     [[nodiscard]] static QString eraseOutcome(const LastError& erasure);
 

@@ -94,6 +94,7 @@ void clsDLManager::eraseSteps(Session& session, const QString& FilesToErase)
     const auto known = session.model().Configurations();
     if (!positions.isEmpty() && (known->Count() == 0 || !known->complete()))
         throw PlatformFailure(FailureNumber::ObjectNotSet);
+    tellChosen(*known, positions);
     if (!session.openLine())
         return;
     m_files = std::make_shared<colFiles>();
@@ -120,6 +121,20 @@ void clsDLManager::eraseSteps(Session& session, const QString& FilesToErase)
         if (!lastError().ok())
             return;
     }
+}
+
+// Positions that are not there are left to the erasure.
+void clsDLManager::tellChosen(const colConfigurations& known, const QStringList& positions) const
+{
+    session::ErasureChosen chosen;
+    const auto items = known.items();
+    for (const QString& text : positions) {
+        const auto position = readNumber(text);
+        if (position && *position >= 1 && *position <= known.Count())
+            chosen.components.push_back(
+                componentOf(*items[static_cast<std::size_t>(*position - 1)]));
+    }
+    m_teller->tell(std::move(chosen));
 }
 
 // Runs whatever the erasure's outcome, which the status line shows first; the operation's result is

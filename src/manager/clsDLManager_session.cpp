@@ -119,14 +119,19 @@ std::int16_t clsDLManager::takeResult() const
     return static_cast<std::int16_t>(lastError().number());
 }
 
+session::Component clsDLManager::componentOf(const clsConfiguration& configuration)
+{
+    return {configuration.ProductID(), configuration.Status(), configuration.NetWorkID(),
+            configuration.DeviceID(), configuration.blnCanBeErased()};
+}
+
 void clsDLManager::tellConfigurations(session::Reading when, const clsRadio& radio) const
 {
     if (!m_teller->heard())
         return;
     session::ConfigurationsRead read{when, {}};
     for (const auto& each : radio.Configurations()->items())
-        read.components.push_back({each->ProductID(), each->Status(), each->NetWorkID(),
-                                   each->DeviceID(), each->blnCanBeErased()});
+        read.components.push_back(componentOf(*each));
     m_teller->tell(std::move(read));
 }
 

@@ -17,9 +17,8 @@
 ///
 /// One operation tells, in this order, as far as it gets:
 ///
-///     OperationStarted  LineOpened  StepTaken(Reset)  [PowerCycleRequired]  LoggedOn
-///     [BootApplicationSent]  [SpeedAgreed]  ConfigurationsRead
-///     and per target written:
+///     OperationStarted  [ErasureChosen]  LineOpened  StepTaken(Reset)  [PowerCycleRequired]
+///     LoggedOn [BootApplicationSent]  [SpeedAgreed]  ConfigurationsRead and per target written:
 ///         TargetBegun  Unlock  BlocksDone  Erase  BlocksDone
 ///         {TableBegun  {Data  DataProgress}...}...  TargetWritten  Lock  BlocksDone
 ///     ConfigurationsRead  StepTaken(Restart)  OperationEnded
@@ -93,6 +92,11 @@ enum class Reading : std::uint8_t { Before, After, Report };
 struct ConfigurationsRead {
     Reading when;
     std::vector<Component> components; ///< in the radio's order
+};
+
+/// What an erasure is to erase, as it was reported before; told before anything is sent.
+struct ErasureChosen {
+    std::vector<Component> components;
 };
 
 /// Where in the radio an image is written to.
@@ -171,8 +175,8 @@ struct OperationEnded {
 };
 
 using Event = std::variant<StepTaken, OperationStarted, LineOpened, PowerCycleRequired, LoggedOn,
-                           BootApplicationSent, SpeedAgreed, ConfigurationsRead, TargetBegun,
-                           BlocksDone, TableBegun, DataProgress, TargetWritten, CommandRepeated,
-                           UnexpectedBytes, LinkMeasured, OperationEnded>;
+                           BootApplicationSent, SpeedAgreed, ConfigurationsRead, ErasureChosen,
+                           TargetBegun, BlocksDone, TableBegun, DataProgress, TargetWritten,
+                           CommandRepeated, UnexpectedBytes, LinkMeasured, OperationEnded>;
 
 } // namespace fldc::session

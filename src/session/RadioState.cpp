@@ -150,6 +150,7 @@ constexpr std::array table{
     Row{kind<BootApplicationSent>,                  M, M, M, L, E, P, T, W, K, M},
     Row{kind<SpeedAgreed>,                          U, R, M, L, E, P, T, W, K, S},
     Row{kind<ConfigurationsRead>,                   U, R, M, L, E, P, T, W, K, S},
+    Row{kind<ErasureChosen>,                        U, R, M, L, E, P, T, W, K, S},
     Row{kind<TargetBegun>,                          U, R, M, L, E, P, T, W, K, S},
     Row{kind<BlocksDone>,                           U, R, M, L, E, P, T, W, K, S},
     Row{kind<TableBegun>,                           U, R, M, L, E, P, T, W, K, S},

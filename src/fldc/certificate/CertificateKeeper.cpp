@@ -1,6 +1,7 @@
 #include "fldc/certificate/CertificateKeeper.h"
 
-#include "fldc/certificate/Certificate.h"
+#include "certificate/Certificate.h"
+#include "certificate/RunObjects.h"
 #include "fldc/certificate/CertificateFolder.h"
 #include "fldc/commands/Command.h"
 #include "fldc/commands/Steps.h"
@@ -9,7 +10,6 @@
 #include "fldc/options/Options.h"
 #include "fldc/output/Output.h"
 #include "platform/PlatformFailure.h"
-#include "platform/linux/DeviceFacts.h"
 
 #include <QJsonDocument>
 
@@ -18,26 +18,6 @@ namespace fldc::cli {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-// What is known of the adapter behind the port without opening it; null for no device.
-QJsonValue adapterOf(const QString& device)
-{
-    if (device.isEmpty())
-        return {};
-    const DeviceFacts facts = DeviceInspector(LinuxSystem::thisMachine()).facts(device);
-    return makeObject(kind::certificateAdapter, {{"device"_L1, facts.device},
-                                                 {"stable"_L1, facts.stableNames.value(0)},
-                                                 {"description"_L1, facts.hardware.description},
-                                                 {"vendor"_L1, facts.hardware.vendor},
-                                                 {"product"_L1, facts.hardware.product},
-                                                 {"serial"_L1, facts.hardware.serial}});
-}
-
-bool concernsARadio(const QJsonObject& result)
-{
-    const auto code = static_cast<Exit>(result["exit"_L1].toInt());
-    return code != Exit::Usage && code != Exit::File;
-}
 
 // Null without --certificate.
 std::optional<Outcome> openFolder(const Options& options,
@@ -70,12 +50,17 @@ std::optional<Outcome> keepCertificate(Context& context, const std::vector<Firmw
     if (!folder && !record)
         return std::nullopt;
 
+    std::vector<FileImage> images;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        for (const auto& image : files[i].images)
+            images.push_back({static_cast<std::int32_t>(i) + 1, image});
+    }
     const QString unit = QString::fromStdString(options.unit);
     const QString port = context.port.name;
     const auto certificate = std::make_shared<Certificate>(
         CertificateFacts{unit, QString::fromStdString(options.job), utcNow(), context.started,
-                         adapterOf(context.started["device"_L1].toString())},
-        files);
+                         adapterObject(context.started["device"_L1].toString())},
+        std::move(images));
     context.output.setHearer([certificate](const ObjectKind& kind, const QJsonObject& object) {
         certificate->hear(kind, object);
     });

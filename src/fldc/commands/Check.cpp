@@ -1,10 +1,10 @@
+#include "certificate/Verdict.h"
 #include "fldc/commands/CommandTable.h"
 #include "fldc/files/Expectation.h"
 #include "fldc/files/InputFiles.h"
 #include "fldc/files/NamedPort.h"
 #include "fldc/output/Output.h"
 #include "fldc/radio/RadioRun.h"
-#include "fldc/radio/Verdict.h"
 
 #include <utility>
 

@@ -1,3 +1,4 @@
+#include "certificate/Verdict.h"
 #include "firmware/colFiles.h"
 #include "fldc/certificate/CertificateKeeper.h"
 #include "fldc/commands/CommandTable.h"
@@ -7,7 +8,6 @@
 #include "fldc/options/Options.h"
 #include "fldc/output/Output.h"
 #include "fldc/radio/RadioRun.h"
-#include "fldc/radio/Verdict.h"
 
 namespace fldc::cli {
 

@@ -1,3 +1,4 @@
+#include "certificate/Verdict.h"
 #include "fldc/certificate/CertificateKeeper.h"
 #include "fldc/commands/CommandTable.h"
 #include "fldc/files/FirmwareFile.h"
@@ -5,7 +6,6 @@
 #include "fldc/options/Options.h"
 #include "fldc/output/Output.h"
 #include "fldc/radio/RadioRun.h"
-#include "fldc/radio/Verdict.h"
 
 #include <QFile>
 
@@ -102,11 +102,8 @@ Outcome runErase(Context& context)
         nothing->radio = textOf(run.record().state()).name.toString();
         return *nothing;
     }
-    Components asked;
-    for (const std::size_t position : chosen)
-        asked.push_back(components[position]);
     (void)manager.EraseSelected(eraseList(chosen), unused);
-    return verdictOfErasure(run.record(), asked);
+    return verdictOfErasure(run.record());
 }
 
 } // namespace fldc::cli

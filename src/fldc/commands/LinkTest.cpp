@@ -1,10 +1,10 @@
+#include "certificate/LinkView.h"
+#include "certificate/Verdict.h"
 #include "fldc/commands/CommandTable.h"
 #include "fldc/files/NamedPort.h"
 #include "fldc/options/Options.h"
 #include "fldc/output/Output.h"
-#include "fldc/radio/LinkView.h"
 #include "fldc/radio/RadioRun.h"
-#include "fldc/radio/Verdict.h"
 
 namespace fldc::cli {
 

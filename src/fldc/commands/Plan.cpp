@@ -1,3 +1,4 @@
+#include "certificate/Verdict.h"
 #include "firmware/colFiles.h"
 #include "fldc/commands/CommandTable.h"
 #include "fldc/commands/Steps.h"
@@ -7,7 +8,6 @@
 #include "fldc/options/Options.h"
 #include "fldc/output/Output.h"
 #include "fldc/radio/RadioRun.h"
-#include "fldc/radio/Verdict.h"
 #include "protocol/wire/LineSpeeds.h"
 #include "radio/HardwareMatch.h"
 

@@ -1,8 +1,8 @@
+#include "certificate/Verdict.h"
 #include "fldc/commands/CommandTable.h"
 #include "fldc/files/NamedPort.h"
 #include "fldc/output/Output.h"
 #include "fldc/radio/RadioRun.h"
-#include "fldc/radio/Verdict.h"
 #include "ui/logic/ConfigurationList.h"
 
 namespace fldc::cli {

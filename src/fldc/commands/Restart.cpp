@@ -1,7 +1,7 @@
+#include "certificate/Verdict.h"
 #include "fldc/commands/CommandTable.h"
 #include "fldc/files/NamedPort.h"
 #include "fldc/radio/RadioRun.h"
-#include "fldc/radio/Verdict.h"
 
 namespace fldc::cli {
 

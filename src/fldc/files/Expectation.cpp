@@ -1,7 +1,7 @@
 #include "fldc/files/Expectation.h"
 
+#include "certificate/ObjectKinds.h"
 #include "fldc/files/InputFiles.h"
-#include "fldc/output/ObjectKinds.h"
 
 #include <QJsonDocument>
 

@@ -1,13 +1,12 @@
 #include "fldc/files/ImageView.h"
 
+#include "certificate/Certificate.h"
+#include "certificate/JsonObject.h"
 #include "firmware/clsFile.h"
 #include "fldc/files/InputFiles.h"
-#include "fldc/output/JsonObject.h"
 #include "fldc/output/Terminal.h"
 #include "protocol/wire/BootFiles.h"
 #include "shared/HexText.h"
-
-#include <zlib.h>
 
 #include <algorithm>
 
@@ -22,13 +21,6 @@ constexpr std::size_t errorsForPeople = 20;
 std::uint32_t unsignedAddress(const DataDefinition& table)
 {
     return static_cast<std::uint32_t>(table.Address.toInt());
-}
-
-QString crc32Text(const colDataBlocks& data)
-{
-    const auto bytes = data.bytes().first(static_cast<std::size_t>(data.Count()));
-    const auto value = static_cast<std::uint32_t>(::crc32_z(0, bytes.data(), bytes.size()));
-    return hexNumber(value, 8).toLower();
 }
 
 QJsonObject tableObject(const DataDefinition& table)

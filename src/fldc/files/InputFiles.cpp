@@ -1,6 +1,6 @@
 #include "fldc/files/InputFiles.h"
 
-#include "fldc/output/JsonObject.h"
+#include "certificate/RunObjects.h"
 #include "platform/PlatformFailure.h"
 #include "platform/qt/FileService.h"
 
@@ -99,14 +99,10 @@ QJsonArray InputFiles::toJson() const
 {
     QJsonArray array;
     for (const InputFile& file : m_files) {
-        const bool known = file.content && !file.sha256.isEmpty();
-        const QJsonValue bytes =
-            known ? QJsonValue(static_cast<qint64>(file.content->bytes().size())) : QJsonValue();
-        const QJsonValue sha256 =
-            known ? QJsonValue(QString::fromLatin1(file.sha256.toHex())) : QJsonValue();
-        array.append(
-            makeObject(kind::startedFile,
-                       {{"path"_L1, file.path}, {"sha256"_L1, sha256}, {"bytes"_L1, bytes}}));
+        NamedFile named{file.path, file.sha256, std::nullopt};
+        if (file.content)
+            named.bytes = static_cast<qint64>(file.content->bytes().size());
+        array.append(namedFileObject(named));
     }
     return array;
 }

@@ -1,6 +1,6 @@
 #include "fldc/gang/Gang.h"
 
-#include "fldc/Outcome.h"
+#include "certificate/Outcome.h"
 #include "fldc/commands/Command.h"
 #include "fldc/options/Options.h"
 #include "fldc/output/Output.h"

@@ -13,11 +13,13 @@
 #include <optional>
 #include <vector>
 
+namespace fldc {
+struct Outcome;
+}
+
 namespace fldc::cli {
 
 struct Context;
-struct Outcome;
-
 /// Several radios, each written by a process of its own, and with --repeat the next one at each
 /// port as soon as it answers there.
 ///

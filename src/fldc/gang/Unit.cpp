@@ -1,6 +1,6 @@
 #include "fldc/gang/Unit.h"
 
-#include "fldc/output/ObjectKinds.h"
+#include "certificate/ObjectKinds.h"
 
 #include <QCoreApplication>
 #include <QJsonDocument>

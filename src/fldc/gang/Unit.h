@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fldc/ExitCodes.h"
+#include "certificate/ExitCodes.h"
 #include "fldc/files/NamedPort.h"
 #include "platform/qt/ChildProcess.h"
 

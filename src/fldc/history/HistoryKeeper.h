@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fldc/Outcome.h"
+#include "certificate/Outcome.h"
 #include "history/StoreAddress.h"
 
 #include <QJsonObject>

@@ -1,6 +1,6 @@
 #include "fldc/history/HistoryTexts.h"
 
-#include "fldc/ExitCodes.h"
+#include "certificate/ExitCodes.h"
 #include "fldc/output/Terminal.h"
 #include "history/Record.h"
 

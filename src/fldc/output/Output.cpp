@@ -1,6 +1,6 @@
 #include "fldc/output/Output.h"
 
-#include "fldc/Outcome.h"
+#include "certificate/Outcome.h"
 
 #include <unistd.h>
 

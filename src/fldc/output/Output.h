@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fldc/output/JsonObject.h"
+#include "certificate/JsonObject.h"
 #include "fldc/output/Terminal.h"
 #include "fldc/process/OutputStream.h"
 
@@ -8,9 +8,11 @@
 
 #include <functional>
 
-namespace fldc::cli {
-
+namespace fldc {
 struct Outcome;
+}
+
+namespace fldc::cli {
 
 /// Everything that a run tells, in the form that was asked for. A command tells both forms and
 /// leaves the choice to this class:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fldc/Outcome.h"
+#include "certificate/Outcome.h"
 #include "fldc/radio/RadioPlatform.h"
 #include "fldc/radio/RunRecord.h"
 #include "manager/IDownloadWindow.h"
@@ -59,7 +59,7 @@ public:
     [[nodiscard]] std::optional<Outcome> openLog();
 
     [[nodiscard]] clsDLManager& manager() { return *m_manager; }
-    [[nodiscard]] const RunRecord& record() const { return m_record; }
+    [[nodiscard]] const RunFacts& record() const { return m_record.facts(); }
 
 private:
     [[nodiscard]] std::shared_ptr<IDownloadWindow> createWindow() override;

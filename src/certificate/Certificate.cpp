@@ -1,16 +1,21 @@
-#include "fldc/certificate/Certificate.h"
+#include "certificate/Certificate.h"
 
-#include "fldc/files/ImageView.h"
-#include "fldc/output/JsonObject.h"
+#include "certificate/JsonObject.h"
+
+#include "firmware/clsFile.h"
+#include "firmware/colDataBlocks.h"
+#include "shared/HexText.h"
 
 #include <QSysInfo>
+
+#include <zlib.h>
 
 #include <algorithm>
 
 #include <pwd.h>
 #include <unistd.h>
 
-namespace fldc::cli {
+namespace fldc {
 
 using namespace Qt::StringLiterals;
 
@@ -35,6 +40,13 @@ QJsonArray without(QJsonArray components, const QJsonArray& others)
 
 } // namespace
 
+QString crc32Text(const colDataBlocks& data)
+{
+    const auto bytes = data.bytes().first(static_cast<std::size_t>(data.Count()));
+    const auto value = static_cast<std::uint32_t>(::crc32_z(0, bytes.data(), bytes.size()));
+    return hexNumber(value, 8).toLower();
+}
+
 QJsonValue configurationDifference(const QJsonValue& before, const QJsonValue& after)
 {
     if (!before.isArray() || !after.isArray())
@@ -44,21 +56,22 @@ QJsonValue configurationDifference(const QJsonValue& before, const QJsonValue& a
                        {"removed"_L1, without(before.toArray(), after.toArray())}});
 }
 
-Certificate::Certificate(CertificateFacts facts, std::vector<FirmwareFile> files)
-    : m_facts(std::move(facts)), m_files(std::move(files))
+Certificate::Certificate(CertificateFacts facts, std::vector<FileImage> images)
+    : m_facts(std::move(facts)), m_images(std::move(images))
 {
 }
 
 QMap<QString, QString> Certificate::checksums() const
 {
     QMap<QString, QString> checksums;
-    for (std::size_t i = 0; i < m_files.size(); ++i) {
-        for (const auto& image : m_files[i].images) {
-            const ImageParts parts = imageParts(*image, false);
-            for (const auto& table : parts.tables)
-                checksums.insert(
-                    tableKey(static_cast<int>(i) + 1, parts.tag, table["address"_L1].toInteger()),
-                    table["crc32"_L1].toString());
+    for (const FileImage& each : m_images) {
+        const QString tag = validText(each.image->TagName());
+        const auto tables = each.image->Definitiontables();
+        for (std::int32_t i = 0; i < tables->Count(); ++i) {
+            const DataDefinition& table = tables->Item(i);
+            const auto address = static_cast<std::uint32_t>(table.Address.toInt());
+            checksums.insert(tableKey(each.file, tag, qint64{address}),
+                             crc32Text(*table.Datablocks));
         }
     }
     return checksums;
@@ -168,4 +181,4 @@ QJsonObject Certificate::toJson(const QJsonObject& result) const
     return certificate;
 }
 
-} // namespace fldc::cli
+} // namespace fldc

@@ -1,11 +1,11 @@
-#include "fldc/radio/LinkView.h"
+#include "certificate/LinkView.h"
 
-#include "fldc/output/JsonObject.h"
+#include "certificate/JsonObject.h"
 
 #include <algorithm>
 #include <cmath>
 
-namespace fldc::cli {
+namespace fldc {
 
 using namespace Qt::StringLiterals;
 
@@ -75,4 +75,4 @@ std::optional<std::uint32_t> bestSpeed(const LinkSpeeds& links)
     return best;
 }
 
-} // namespace fldc::cli
+} // namespace fldc

@@ -1,12 +1,12 @@
-#include "fldc/radio/Verdict.h"
+#include "certificate/Verdict.h"
 
-#include "fldc/output/JsonObject.h"
+#include "certificate/JsonObject.h"
 #include "radio/HardwareMatch.h"
 
 #include <algorithm>
 #include <array>
 
-namespace fldc::cli {
+namespace fldc {
 
 using namespace Qt::StringLiterals;
 
@@ -41,7 +41,7 @@ constexpr bool isFaultWord(Code code)
     return number >= 8001 && number <= 8113;
 }
 
-Exit exitBeforeErase(Code code, const RunRecord& record)
+Exit exitBeforeErase(Code code, const RunFacts& record)
 {
     if (isPortCode(code))
         return record.anythingSent() ? Exit::NoConversation : Exit::Port;
@@ -53,7 +53,7 @@ Exit exitBeforeErase(Code code, const RunRecord& record)
     return found == codeMeanings.end() ? Exit::NoConversation : found->exit;
 }
 
-Outcome outcomeOf(Exit exit, const RunRecord& record)
+Outcome outcomeOf(Exit exit, const RunFacts& record)
 {
     if (record.isIncomplete())
         exit = foremost(exit, Exit::Unexpected);
@@ -79,7 +79,7 @@ bool anyNetwork(const std::vector<session::Component>& components)
 /// What a download was to do and did, by image.
 class DownloadResult {
 public:
-    DownloadResult(const RunRecord& record, const std::vector<std::shared_ptr<clsFile>>& images)
+    DownloadResult(const RunFacts& record, const std::vector<std::shared_ptr<clsFile>>& images)
         : m_record(record), m_images(images),
           m_reachedEnd(record.components(session::Reading::After).has_value())
     {
@@ -155,14 +155,14 @@ private:
         });
     }
 
-    const RunRecord& m_record;
+    const RunFacts& m_record;
     const std::vector<std::shared_ptr<clsFile>>& m_images;
     bool m_reachedEnd;
     QStringList m_tags;
     DownloadOutcome m_outcome;
 };
 
-Exit exitOfDownload(const RunRecord& record, const DownloadResult& result)
+Exit exitOfDownload(const RunFacts& record, const DownloadResult& result)
 {
     const bool ended =
         record.ending().code == Code::Success || record.ending().code == Code::FilesNotDownloaded;
@@ -177,7 +177,7 @@ Exit exitOfDownload(const RunRecord& record, const DownloadResult& result)
     return result.outcome().notMatched.isEmpty() ? Exit::Done : Exit::PartlyMatched;
 }
 
-QString messageOfDownload(Exit exit, const RunRecord& record, const DownloadOutcome& download)
+QString messageOfDownload(Exit exit, const RunFacts& record, const DownloadOutcome& download)
 {
     const QString written = download.written.join(u", "_s);
     switch (exit) {
@@ -202,7 +202,7 @@ QString messageOfDownload(Exit exit, const RunRecord& record, const DownloadOutc
 
 } // namespace
 
-Outcome verdictOfReport(const RunRecord& record)
+Outcome verdictOfReport(const RunFacts& record)
 {
     if (record.ending().code != Code::Success)
         return outcomeOf(exitBeforeErase(record.ending().code, record), record);
@@ -212,7 +212,7 @@ Outcome verdictOfReport(const RunRecord& record)
     return outcome;
 }
 
-Outcome verdictOfRestart(const RunRecord& record)
+Outcome verdictOfRestart(const RunFacts& record)
 {
     if (record.ending().code != Code::Success)
         return outcomeOf(exitBeforeErase(record.ending().code, record), record);
@@ -221,7 +221,7 @@ Outcome verdictOfRestart(const RunRecord& record)
     return outcome;
 }
 
-Outcome verdictOfLinkTest(const RunRecord& record)
+Outcome verdictOfLinkTest(const RunFacts& record)
 {
     const auto best = bestSpeed(record.links());
     Outcome outcome = verdictOfRestart(record);
@@ -239,7 +239,7 @@ Outcome verdictOfLinkTest(const RunRecord& record)
     return outcome;
 }
 
-Outcome verdictOfDownload(const RunRecord& record,
+Outcome verdictOfDownload(const RunFacts& record,
                           const std::vector<std::shared_ptr<clsFile>>& images)
 {
     const DownloadResult result(record, images);
@@ -252,8 +252,9 @@ Outcome verdictOfDownload(const RunRecord& record,
     return outcome;
 }
 
-Outcome verdictOfErasure(const RunRecord& record, const std::vector<session::Component>& asked)
+Outcome verdictOfErasure(const RunFacts& record)
 {
+    const std::vector<session::Component>& asked = record.chosen();
     const auto isGone = [&](const session::Component& component) {
         const auto& after = record.components(session::Reading::After);
         return after && std::ranges::none_of(*after, [&](const session::Component& each) {
@@ -279,4 +280,4 @@ Outcome verdictOfErasure(const RunRecord& record, const std::vector<session::Com
     return outcome;
 }
 
-} // namespace fldc::cli
+} // namespace fldc

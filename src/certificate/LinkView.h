@@ -8,7 +8,7 @@
 #include <optional>
 #include <vector>
 
-namespace fldc::cli {
+namespace fldc {
 
 using LinkSpeeds = std::vector<session::LinkMeasured>;
 
@@ -19,4 +19,4 @@ using LinkSpeeds = std::vector<session::LinkMeasured>;
 /// The highest speed in baud at which every exchange was answered, and rightly.
 [[nodiscard]] std::optional<std::uint32_t> bestSpeed(const LinkSpeeds& links);
 
-} // namespace fldc::cli
+} // namespace fldc

@@ -4,7 +4,7 @@
 
 #include <array>
 
-namespace fldc::cli {
+namespace fldc {
 
 /// A kind of JSON object that the program prints or writes, with its keys: the name before the dot
 /// is a line's "type", what stands behind it is a part of such a line. A key with "?" may be left
@@ -129,4 +129,4 @@ inline constexpr std::array objectKinds{
     kind::unitProduct,
 };
 
-} // namespace fldc::cli
+} // namespace fldc

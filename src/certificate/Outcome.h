@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fldc/ExitCodes.h"
+#include "certificate/ExitCodes.h"
 #include "shared/ErrorCodes.h"
 
 #include <QString>
@@ -9,7 +9,7 @@
 #include <cstdint>
 #include <optional>
 
-namespace fldc::cli {
+namespace fldc {
 
 /// What the result of a download tells besides.
 struct DownloadOutcome {
@@ -58,4 +58,4 @@ struct Outcome {
     return failure(Exit::Usage, Code::Success, message, advice);
 }
 
-} // namespace fldc::cli
+} // namespace fldc

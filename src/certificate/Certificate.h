@@ -1,16 +1,25 @@
 #pragma once
 
-#include "fldc/files/FirmwareFile.h"
-#include "fldc/output/ObjectKinds.h"
+#include "certificate/ObjectKinds.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QMap>
 #include <QString>
 
+#include <memory>
 #include <vector>
 
-namespace fldc::cli {
+namespace fldc {
+
+class clsFile;
+class colDataBlocks;
+
+/// An image, and the number of its file, from 1 in the order in which the files were named.
+struct FileImage {
+    std::int32_t file = 0;
+    std::shared_ptr<const clsFile> image;
+};
 
 /// What belongs to a download besides what it tells.
 struct CertificateFacts {
@@ -24,9 +33,9 @@ struct CertificateFacts {
 /// The certificate of one download, put together from the same objects that --json prints.
 class Certificate {
 public:
-    /// @p files: those of the command line, for the checksums of their tables; these are made when
-    /// the result is known, so that no radio waits for them.
-    explicit Certificate(CertificateFacts facts, std::vector<FirmwareFile> files);
+    /// @p images: for the checksums of their tables; these are made when the result is known, so
+    /// that no radio waits for them.
+    explicit Certificate(CertificateFacts facts, std::vector<FileImage> images);
 
     /// Takes what it needs of the objects told. An erase makes the tables of the present target
     /// void that were written before it.
@@ -53,7 +62,7 @@ private:
     };
 
     CertificateFacts m_facts;
-    std::vector<FirmwareFile> m_files;
+    std::vector<FileImage> m_images;
     QJsonValue m_radio{QJsonValue::Null};
     QJsonValue m_bootApplication{QJsonValue::Null};
     QJsonValue m_speed{QJsonValue::Null};
@@ -63,8 +72,11 @@ private:
     QJsonArray m_retries;
 };
 
+/// CRC-32 of the plain bytes of a table, 8 hex digits in lower case.
+[[nodiscard]] QString crc32Text(const colDataBlocks& data);
+
 /// Which components the second configuration has and the first has not, and the other way round; a
 /// component that changed stands in both. Null when one of them was not read.
 [[nodiscard]] QJsonValue configurationDifference(const QJsonValue& before, const QJsonValue& after);
 
-} // namespace fldc::cli
+} // namespace fldc

@@ -1,4 +1,4 @@
-#include "fldc/output/JsonObject.h"
+#include "certificate/JsonObject.h"
 
 #include "platform/PlatformFailure.h"
 
@@ -7,7 +7,7 @@
 
 #include <algorithm>
 
-namespace fldc::cli {
+namespace fldc {
 
 using namespace Qt::StringLiterals;
 
@@ -146,4 +146,4 @@ QString utcNow()
     return QDateTime::currentDateTimeUtc().toString(Qt::ISODateWithMs);
 }
 
-} // namespace fldc::cli
+} // namespace fldc

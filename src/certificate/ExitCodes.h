@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <array>
 
-namespace fldc::cli {
+namespace fldc {
 
 enum class Exit {
     Done = 0,
@@ -64,4 +64,4 @@ inline constexpr std::array exitCodes{
     return static_cast<Exit>(128 + number);
 }
 
-} // namespace fldc::cli
+} // namespace fldc

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "fldc/output/ObjectKinds.h"
+#include "certificate/ObjectKinds.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -12,7 +12,7 @@
 #include <initializer_list>
 #include <utility>
 
-namespace fldc::cli {
+namespace fldc {
 
 using Fields = std::initializer_list<std::pair<QLatin1StringView, QJsonValue>>;
 
@@ -37,4 +37,4 @@ using Fields = std::initializer_list<std::pair<QLatin1StringView, QJsonValue>>;
 /// Now, as every line has it: "2026-11-23T05:30:00.123Z".
 [[nodiscard]] QString utcNow();
 
-} // namespace fldc::cli
+} // namespace fldc
