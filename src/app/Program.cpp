@@ -29,7 +29,8 @@ Program::Program(bool onTerminal)
       m_windows(m_qtPlatform.platform(),
                 frmDownload::factory(m_qtPlatform.platform(), m_fileDialogs, m_helpViewer,
                                      &m_desktopSession),
-                [this](const std::shared_ptr<DownloadWindow>& window) { watch(window); })
+                [this](const std::shared_ptr<DownloadWindow>& window) { watch(window); }),
+      m_history(m_qtPlatform.platform(), [this](const QString& what) { complain(what); })
 {
     frmIcon::useForApplication();
     new ReadablePalette(qApp);
@@ -88,7 +89,9 @@ void Program::complain(const QString& reason)
 int Program::runAutomation()
 {
     QApplication::setQuitOnLastWindowClosed(false);
-    AutomationServer server(m_qtPlatform.platform(), m_windows, m_waitDialogs);
+    AutomationServer server(
+        m_qtPlatform.platform(), m_windows, m_waitDialogs,
+        [this](clsDLManager& manager) { return m_history.listenerFor(manager); });
     const SignalWatch signalWatch([this, &server] {
         m_ending = true;
         server.interrupt();
@@ -105,6 +108,9 @@ void Program::watch(const std::shared_ptr<DownloadWindow>& window)
 
 void Program::watch(clsDLManager& manager)
 {
+    m_recorder = m_history.listenerFor(manager);
+    if (m_recorder)
+        manager.addListener(*m_recorder);
     if (!m_terminal)
         return;
     QObject::connect(&manager, &clsDLManager::PowerCycleRequired, &manager, [this, &manager] {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/RunHistory.h"
 #include "app/TerminalProgress.h"
 #include "platform/ShowError.h"
 #include "platform/qt/QtPlatform.h"
@@ -57,7 +58,9 @@ private:
     WindowFactory m_windows;
     std::weak_ptr<DownloadWindow> m_latestWindow;
     std::unique_ptr<TerminalProgress> m_terminal;
-    bool m_ending = false; ///< a signal asked for it
+    RunHistory m_history;
+    std::unique_ptr<session::IListener> m_recorder; ///< of the one manager of a window or a run
+    bool m_ending = false;                          ///< a signal asked for it
 };
 
 } // namespace fldc

@@ -34,6 +34,10 @@ int main(int argc, char** argv)
     try {
         fldc::speakEnglishOnly();
         fldc::chooseQtPlatform();
+        if (argc == 2 && QLatin1StringView(argv[1]) == fldc::RunHistory::deliveryArgument) {
+            const QCoreApplication application(argc, argv);
+            return fldc::RunHistory::deliver();
+        }
         const QApplication application(argc, argv);
         return run(QCoreApplication::arguments().sliced(1).join(u' '));
     } catch (...) {

@@ -49,10 +49,10 @@ Platform withMessages(const Platform& platform, IMessageBox& messages)
 } // namespace
 
 AutomationServer::AutomationServer(const Platform& platform, IDownloadWindowFactory& windows,
-                                   IWaitDialogFactory& dialogs)
+                                   IWaitDialogFactory& dialogs, ListenerFactory listeners)
     : m_messages(platform.messages, [this] { return userWaits(); }), m_errorBox(m_messages),
       m_platform(withMessages(platform, m_messages)), m_windows(windows), m_dialogs(dialogs),
-      m_connection(QDBusConnection::sessionBus()),
+      m_listeners(std::move(listeners)), m_connection(QDBusConnection::sessionBus()),
       m_applicationClass(BoundClass::of<AutomationServer>(
           QLatin1StringView("Application"), interfaceName(QLatin1StringView("Application")))),
       m_managerClass(managerClassBinding()), m_classes(supportingClasses()),
@@ -275,8 +275,8 @@ void AutomationServer::ReleaseInstance(const QString& path, const QString& clien
 
 std::shared_ptr<ManagerObject> AutomationServer::makeManager(const QString& path)
 {
-    return std::make_shared<ManagerObject>(m_platform, m_windows, m_dialogs, m_connection, path,
-                                           [this] { return busyText(); });
+    return std::make_shared<ManagerObject>(m_platform, m_windows, m_dialogs, m_listeners,
+                                           m_connection, path, [this] { return busyText(); });
 }
 
 PublishedObject AutomationServer::globalObject() const

@@ -36,9 +36,10 @@ namespace fldc {
 /// is closed and the logs have their ends.
 class AutomationServer final : private IObjectSource {
 public:
+    /// @p listeners: asked for each manager that is made.
     /// Throws PlatformFailure (internal) when the program does not serve what it publishes.
     AutomationServer(const Platform& platform, IDownloadWindowFactory& windows,
-                     IWaitDialogFactory& dialogs);
+                     IWaitDialogFactory& dialogs, ListenerFactory listeners = {});
     ~AutomationServer() override;
     AutomationServer(const AutomationServer&) = delete;
     AutomationServer& operator=(const AutomationServer&) = delete;
@@ -95,6 +96,7 @@ private:
     Platform m_platform; ///< with m_messages in it
     IDownloadWindowFactory& m_windows;
     IWaitDialogFactory& m_dialogs;
+    ListenerFactory m_listeners;
     QDBusConnection m_connection;
 
     TypeLibrary m_library;

@@ -25,8 +25,9 @@ bool ManagerObject::Windows::latestVisible() const
 }
 
 ManagerObject::ManagerObject(const Platform& platform, IDownloadWindowFactory& windows,
-                             IWaitDialogFactory& dialogs, const QDBusConnection& connection,
-                             const QString& path, std::function<QString()> busyText)
+                             IWaitDialogFactory& dialogs, const ListenerFactory& listeners,
+                             const QDBusConnection& connection, const QString& path,
+                             std::function<QString()> busyText)
     : m_messages(platform.messages), m_windows(windows, platform.program),
       m_manager(platform, m_windows, dialogs), m_busyText(std::move(busyText)),
       m_send([connection, path](const QString& interface, const char* member,
@@ -38,6 +39,10 @@ ManagerObject::ManagerObject(const Platform& platform, IDownloadWindowFactory& w
       }),
       m_told(watchedProperties())
 {
+    if (listeners)
+        m_listener = listeners(m_manager);
+    if (m_listener)
+        m_manager.addListener(*m_listener);
     sendEvents();
     m_session = std::make_unique<SessionInterface>(
         m_manager, SessionInterface::Surroundings{m_send, [this] { return holder(); }});

@@ -13,14 +13,19 @@
 
 namespace fldc {
 
+/// Makes a listener that a manager is given for its life, or none.
+using ListenerFactory = std::function<std::unique_ptr<session::IListener>(clsDLManager&)>;
+
 /// A download manager on the bus: sends its events from its own path and remembers which client
 /// asked for what, so that an operation ends when nobody waits for it any more.
 class ManagerObject {
 public:
-    /// @p busyText: why a call is refused while an operation runs.
+    /// @p listeners: who else hears of the manager's operations. @p busyText: why a call is refused
+    /// while an operation runs.
     ManagerObject(const Platform& platform, IDownloadWindowFactory& windows,
-                  IWaitDialogFactory& dialogs, const QDBusConnection& connection,
-                  const QString& path, std::function<QString()> busyText);
+                  IWaitDialogFactory& dialogs, const ListenerFactory& listeners,
+                  const QDBusConnection& connection, const QString& path,
+                  std::function<QString()> busyText);
 
     [[nodiscard]] clsDLManager& manager() { return m_manager; }
     [[nodiscard]] const clsDLManager& manager() const { return m_manager; }
@@ -84,6 +89,7 @@ private:
 
     IMessageBox& m_messages;
     Windows m_windows;
+    std::unique_ptr<session::IListener> m_listener; ///< may be null; outlives the manager
     clsDLManager m_manager;
     std::function<QString()> m_busyText;
     Send m_send;

@@ -263,7 +263,9 @@ Outcome verdictOfErasure(const RunFacts& record)
                });
     };
     Exit exit = Exit::Done;
-    if (!record.mayHaveErased())
+    if (asked.empty() && record.ending().code == Code::Success)
+        exit = Exit::NothingToDo;
+    else if (!record.mayHaveErased())
         exit = record.ending().code == Code::Success
                    ? Exit::NotConfirmed
                    : exitBeforeErase(record.ending().code, record);
@@ -275,6 +277,8 @@ Outcome verdictOfErasure(const RunFacts& record)
     if (exit == Exit::Done)
         outcome.message =
             u"Erased, and no longer reported as good: %1 components."_s.arg(asked.size());
+    else if (exit == Exit::NothingToDo)
+        outcome.message = u"Nothing was to be erased."_s;
     else if (record.ending().code == Code::Success)
         outcome.message = u"The radio still reports what was erased."_s;
     return outcome;

@@ -41,11 +41,15 @@ std::optional<NotValid> SRecordReader::read(const QString& path)
     m_completed = false;
     m_header = {};
     m_reason.clear();
+    m_hash.reset();
 
     TextLines lines({});
     bool valid = false;
     try {
         const auto content = m_files.read(path);
+        if (m_hashes)
+            m_hash = {sha256Of(content->bytes(), m_pace),
+                      static_cast<qint64>(content->bytes().size())};
         lines = TextLines(content->bytes());
         valid = readLines(lines);
     } catch (const std::exception&) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "firmware/SRecordImage.h"
+#include "firmware/check/ContentHash.h"
 #include "firmware/colFiles.h"
 
 #include <QByteArrayView>
@@ -44,6 +45,11 @@ public:
     SRecordReader(IFileService& files, std::shared_ptr<colFiles> images,
                   Compression compression = Compression::Zlib, Pace pace = {});
 
+    /// Has the content of each file hashed, too.
+    void hashContent() { m_hashes = true; }
+    /// Of the file that was read last; nothing unless it was asked for and the file could be read.
+    [[nodiscard]] const std::optional<ContentHash>& contentHash() const { return m_hash; }
+
     /// Reads the file: the first image is added under @p path, each further one under the name of
     /// the one before with "1" appended; a name that an image of another file has gets a number
     /// that is free (colFiles::freeName). Records 0 as the last error when the file is valid, else
@@ -74,6 +80,8 @@ private:
     std::shared_ptr<colFiles> m_images;
     Compression m_compression;
     Pace m_pace;
+    bool m_hashes = false;
+    std::optional<ContentHash> m_hash;
 
     QString m_path;
     QString m_imageName;

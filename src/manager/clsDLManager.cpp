@@ -128,6 +128,21 @@ std::int32_t clsDLManager::fileNumber(const QString& imageName) const
                : static_cast<std::int32_t>(m_loadedPaths.indexOf((*image)->SourcePath()) + 1);
 }
 
+std::vector<clsDLManager::LoadedFile> clsDLManager::loadedList() const
+{
+    std::vector<LoadedFile> list;
+    for (const QString& path : m_loadedPaths) {
+        const auto hash = m_hashes.constFind(path);
+        list.push_back({path, hash == m_hashes.constEnd() ? std::nullopt : std::optional(*hash)});
+    }
+    return list;
+}
+
+QString clsDLManager::portName() const
+{
+    return m_port ? m_port->PortName() : QString();
+}
+
 UpgradeState clsDLManager::upgradeState() const
 {
     return m_Protocol->upgradeState();

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "firmware/Compression.h"
+#include "firmware/check/ContentHash.h"
 #include "platform/Platform.h"
 #include "protocol/IProtocolEvents.h"
 #include "protocol/UpgradeState.h"
@@ -8,6 +9,7 @@
 #include "shared/Enumerations.h"
 #include "shared/LastError.h"
 
+#include <QHash>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -16,6 +18,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <vector>
 
 namespace fldc {
 
@@ -170,6 +173,16 @@ public:
     [[nodiscard]] bool AsyncTaskRuns() const { return m_asyncBusy && m_AsyncTaskTimer == 0; }
     /// The images of the last load, in the order in which a download writes them; null before it.
     [[nodiscard]] std::shared_ptr<const colFiles> loadedFiles() const { return m_files; }
+    /// Has the files hashed that are loaded from now on: for who records what was written.
+    void hashFiles() { m_hashesFiles = true; }
+    /// A file of the last load's list, and what it held; nothing when it could not be read.
+    struct LoadedFile {
+        QString path;
+        std::optional<ContentHash> content;
+    };
+    [[nodiscard]] std::vector<LoadedFile> loadedList() const;
+    /// Number of the port in decimal ("1"); empty when none is chosen.
+    [[nodiscard]] QString portName() const;
     /// What SetPort and SetUIMode said last: whether a user is to be shown what happens.
     [[nodiscard]] bool UIMode() const { return m_uiMode; }
     /// Number of the file, from 1 in the order of the last load's list, that the image with that
@@ -235,7 +248,7 @@ private:
     std::int16_t loadPaths(const QStringList& paths, bool rememberFirst);
     void loadSteps(Session& session, const QStringList& paths, bool rememberFirst);
     QString readFile(const QString& path, const std::shared_ptr<colFiles>& files,
-                     const Pace& pace = {}) const;
+                     const Pace& pace = {});
     [[nodiscard]] Pace servingPace() const;
 
     // Port and window (clsDLManager_port.cpp)
@@ -270,9 +283,11 @@ private:
     std::shared_ptr<IDownloadWindow> m_window;
     std::shared_ptr<clsRadio> m_radio;
     std::shared_ptr<colFiles> m_files;
-    QStringList m_loadedPaths;       ///< the list of the last load
-    Code m_loadCode = Code::Success; ///< of the last load
-    bool m_filesLeftOver = false;    ///< by the last download
+    QStringList m_loadedPaths; ///< the list of the last load
+    bool m_hashesFiles = false;
+    QHash<QString, ContentHash> m_hashes; ///< of that list
+    Code m_loadCode = Code::Success;      ///< of the last load
+    bool m_filesLeftOver = false;         ///< by the last download
     std::optional<Compression> m_compression;
     session::OperationEnded m_ended; ///< how the operation ended that is about to complete
     std::shared_ptr<IPort> m_port;

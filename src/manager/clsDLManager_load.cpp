@@ -60,6 +60,7 @@ void clsDLManager::loadSteps(Session& session, const QStringList& paths, bool re
     const auto files = std::make_shared<colFiles>();
     m_files = files;
     m_loadedPaths = paths;
+    m_hashes.clear();
     const Pace pace = servingPace();
     if (rememberFirst)
         WriteSetting(m_platform.settings, lastFileSetting, paths.value(0));
@@ -118,12 +119,18 @@ Pace clsDLManager::servingPace() const
 // Adds the images of one file. What makes a file not valid is returned, and stands in the log with
 // its line.
 QString clsDLManager::readFile(const QString& path, const std::shared_ptr<colFiles>& files,
-                               const Pace& pace) const
+                               const Pace& pace)
 {
     const bool best = ReadSetting(m_platform.settings, compressionSetting, {}) == settingBest;
     const Compression compression =
         m_compression.value_or(best ? Compression::Best : Compression::Zlib);
-    const auto notValid = SRecordReader(m_platform.files, files, compression, pace).read(path);
+    SRecordReader reader(m_platform.files, files, compression, pace);
+    const bool isOfList = files == m_files; // and no boot application, which a radio waits for
+    if (m_hashesFiles && isOfList)
+        reader.hashContent();
+    const auto notValid = reader.read(path);
+    if (const auto& hash = reader.contentHash())
+        m_hashes.insert(path, *hash);
     if (!notValid)
         return {};
     logDownload(path + QStringLiteral(": ") + notValid->text());

@@ -1,8 +1,9 @@
 """The history: what runs leave in SQLite and in a PostgreSQL server of the test's own, what is asked of it,
-and stores that fail. Called with the paths of fldc, the simulator and the sample firmware."""
+and stores that fail. Called with the paths of fldc, the simulator, the sample firmware and rv4100_fldc."""
 
 import csv
 import glob
+import hashlib
 import io
 import json
 import os
@@ -15,6 +16,7 @@ import sqlite3
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 import uuid
 
@@ -23,7 +25,20 @@ from workbench import Workbench  # noqa: E402
 
 PROGRAM, SIMULATOR, SAMPLES = sys.argv[1], sys.argv[2], pathlib.Path(sys.argv[3]).resolve()
 SERVER = sorted(glob.glob("/usr/lib/postgresql/*/bin"))[-1]
+WINDOWED = sys.argv[4]
 APPLICATION, DSP = SAMPLES / "rv4200/application.srec", SAMPLES / "rv4200/dsp.srec"
+
+BUS_CLIENT = """
+import dbus, subprocess, sys, time
+service, bus, name = subprocess.Popen([sys.argv[1], "--automation"]), dbus.SessionBus(), "com.kelvane.RV4100_FLDC_EXE"
+while not bus.name_has_owner(name):
+    assert service.poll() is None
+    time.sleep(0.02)
+manager = dbus.Interface(bus.get_object(name, "/com/kelvane/RV4100_FLDC_EXE/clsDLManager"), name + "._clsDLManager")
+results = [manager.ReportConfigurations("", timeout=100)[0], manager.EraseSelected("5|", "", timeout=100)[0]]
+service.terminate()
+sys.exit(results != [0, 0] or service.wait())
+"""
 
 
 class PostgreSql:
@@ -207,6 +222,37 @@ class History(unittest.TestCase):
             self.assertEqual(len(self.ask("list", store=store)[0]), 1)
             self.ask("list", store="mysql://x", code=1)
 
+    def test_switches_and_clients_of_the_bus_are_recorded_when_asked(self):
+        """A server that is down at first holds nobody up; the records come by a process of their own."""
+        store = self.server.store()
+        with Workbench(WINDOWED, SIMULATOR, SAMPLES, "rv4200") as bench:
+            def switches(setting, **more):
+                (bench.folder / "settings.conf").write_text(f"[General]\n{setting}\n")
+                run = bench.start("/p", "1", "/f", f"{DSP.parent},{DSP.name}".replace("/", "\\"),
+                                  **{"XDG_DATA_HOME": str(self.folder / "w"), **more})
+                err = run.communicate(timeout=100)[1]
+                self.assertEqual((run.returncode, err.count("history")), (0, "HOME" in more), err)
+
+            switches("")
+            switches("History=True", XDG_DATA_HOME="", HOME="")
+            self.assertEqual(list(self.folder.iterdir()), [])
+            self.server.stop()
+            switches(f"History={store}")
+            self.assertEqual(len(list(self.folder.glob("w/kelvane/fldc/spool/*/*.json"))), 1)
+            self.server.start()
+            client = subprocess.run(["dbus-run-session", "--", sys.executable, "-c", BUS_CLIENT, WINDOWED], timeout=100,
+                                    stderr=subprocess.DEVNULL, env=bench.environment(XDG_DATA_HOME=str(self.folder / "w")))
+            self.assertEqual(client.returncode, 0)
+        deadline = time.monotonic() + 60
+        while len(rows := self.ask("list", store=store)[0]) < 2 and time.monotonic() < deadline:
+            time.sleep(0.1)
+        self.assertEqual([(row["command"], row["exit"], row["written"], row["erased"], row["port"]) for row in rows],
+                         [("erase", 0, [], ["JHA2A-1.10"], "COM1"), ("download", 0, ["JHA2A-1.10"], [], "COM1")])
+        shown = self.ask("show", rows[1]["id"], store=store)[0][0]["certificate"]
+        self.assertEqual(shown["started"]["files"], [{"path": str(DSP), "bytes": DSP.stat().st_size,
+                                                      "sha256": hashlib.sha256(DSP.read_bytes()).hexdigest()}])
+        self.assertTrue(all(t["crc32"] for target in shown["targets"] for t in target["tables"]) and shown["targets"])
+
     def test_a_disk_that_is_full_and_a_user_without_a_folder(self):
         with Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200") as bench:
             for environment, limit in ((dict(XDG_DATA_HOME="", HOME=""), False), ({}, True)):
@@ -221,5 +267,5 @@ class History(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    del sys.argv[1:4]
+    del sys.argv[1:5]
     unittest.main(verbosity=2)

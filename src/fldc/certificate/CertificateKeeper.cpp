@@ -41,7 +41,7 @@ std::optional<Outcome> keepCertificate(Context& context, const std::vector<Firmw
 {
     const Options& options = context.options;
     std::shared_ptr<CertificateFolder> folder;
-    ChosenStore store;
+    history::ChosenStore store;
     if (auto ended = openFolder(options, folder))
         return ended;
     if (auto ended = chooseStore(context, store))

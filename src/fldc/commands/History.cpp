@@ -5,10 +5,7 @@
 #include "fldc/options/Options.h"
 #include "fldc/output/Output.h"
 #include "history/Database.h"
-#include "history/Spool.h"
-
-#include <QDir>
-#include <QFileInfo>
+#include "history/Delivery.h"
 
 #include <algorithm>
 
@@ -157,15 +154,15 @@ struct Action {
 constexpr std::array actions{Action{"list", runList}, Action{"show", runShow},
                              Action{"export", runExport}, Action{"units", runUnits}};
 
-Outcome deliver(Context& context, const ChosenStore& store, history::Database& database)
+Outcome deliver(Context& context, const history::ChosenStore& store)
 {
-    const history::Spool spool(store.folder, *store.address);
-    const auto delivery = spool.deliver(database, context.wantsEnd);
+    const auto delivery = history::deliver(store, patience, context.wantsEnd);
     if (delivery.waiting == 0)
         return done(u"%1 records were delivered."_s.arg(delivery.delivered));
     return failure(Exit::File, Code::Success,
                    u"%1 records wait in %2: %3"_s.arg(delivery.waiting)
-                       .arg(oneLine(spool.folder()), oneLine(delivery.failure)),
+                       .arg(oneLine(history::Spool(store.folder, *store.address).folder()),
+                            oneLine(delivery.failure)),
                    u"They are delivered when the store can be used again."_s);
 }
 
@@ -183,21 +180,19 @@ Outcome runHistory(Context& context)
         return usageError(u"No record was named."_s,
                           u"Name one as `fldc history list` shows it."_s);
 
-    ChosenStore store;
+    history::ChosenStore store;
     if (auto wrong = chooseStore(context, store))
         return *wrong;
     if (!store.address)
         return failure(Exit::File, Code::Success, u"There is no history."_s,
                        u"Name a store with --store."_s);
-    if (store.address->kind == history::StoreAddress::Kind::Sqlite)
-        (void)QDir().mkpath(QFileInfo(store.address->path).path());
 
-    history::Database database(*store.address, patience);
-    const Outcome delivered = deliver(context, store, database);
+    const Outcome delivered = deliver(context, store);
     if (action == actions.end())
         return delivered;
     if (!delivered.ok())
         context.output.terminal().note(u"fldc: "_s + delivered.message);
+    history::Database database(*store.address, patience);
     if (!database.open())
         return failure(Exit::File, Code::Success,
                        u"%1 can't be used: %2"_s.arg(oneLine(store.address->name()),

@@ -1,10 +1,9 @@
 #include "fldc/files/InputFiles.h"
 
 #include "certificate/RunObjects.h"
+#include "firmware/check/ContentHash.h"
 #include "platform/PlatformFailure.h"
 #include "platform/qt/FileService.h"
-
-#include <QCryptographicHash>
 
 #include <algorithm>
 #include <cerrno>
@@ -14,21 +13,6 @@ namespace fldc::cli {
 using namespace Qt::StringLiterals;
 
 namespace {
-
-constexpr std::size_t hashedAtOnce = std::size_t{1} << 20;
-
-QByteArray sha256Of(std::span<const std::uint8_t> bytes, const std::function<bool()>& wantsEnd)
-{
-    QCryptographicHash hash(QCryptographicHash::Sha256);
-    while (!bytes.empty()) {
-        if (wantsEnd())
-            return {};
-        const auto piece = bytes.first(std::min(bytes.size(), hashedAtOnce));
-        hash.addData(QByteArrayView(piece.data(), static_cast<qsizetype>(piece.size())));
-        bytes = bytes.subspan(piece.size());
-    }
-    return hash.result();
-}
 
 // Shares what was read; the component's readers own their content.
 class SharedContent final : public IFileContent {
@@ -64,7 +48,7 @@ void InputFiles::read(const std::vector<std::string>& names, const std::function
         file.key = keyFor(file.path, name);
         try {
             file.content = FileService::readNative(QByteArray::fromStdString(name), file.path);
-            file.sha256 = sha256Of(file.content->bytes(), wantsEnd);
+            file.sha256 = sha256Of(file.content->bytes(), [&] { return !wantsEnd(); });
         } catch (const std::exception&) {
             const PlatformFailure failure = currentFailure();
             file.failure = reasonOf(failure, file.path);
