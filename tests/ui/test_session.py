@@ -40,6 +40,7 @@ class Session:
 
 
 def report(session):
+    session.press("alt+e")  # greyed: no text of the port either, which has the focus
     session.press("alt+r")
     session.outcome("Configuration successfully read")
 

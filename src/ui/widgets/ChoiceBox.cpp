@@ -18,19 +18,16 @@ ChoiceBox::ChoiceBox(QWidget* parent) : QComboBox(parent)
     setAcceptDrops(false);
     setFocusPolicy(Qt::StrongFocus); // not by the wheel
     lineEdit()->setFocusPolicy(Qt::StrongFocus);
-    lineEdit()->installEventFilter(this);
 }
 
-bool ChoiceBox::eventFilter(QObject* watched, QEvent* event)
+// The box has the focus for its line of text, and hands keys on to it past every event filter.
+void ChoiceBox::keyPressEvent(QKeyEvent* event)
 {
-    if (watched == lineEdit() && event->type() == QEvent::KeyPress) {
-        const auto* key = static_cast<QKeyEvent*>(event);
-        if (key->modifiers().testFlag(Qt::AltModifier) && !key->text().isEmpty()) {
-            event->accept(); // or the box would hand it back to the text
-            return true;
-        }
-    }
-    return QComboBox::eventFilter(watched, event);
+    const bool mayBeText = !event->modifiers().testFlag(Qt::AltModifier) || event->text().isEmpty();
+    if (mayBeText)
+        QComboBox::keyPressEvent(event);
+    else
+        event->accept();
 }
 
 void ChoiceBox::wheelEvent(QWheelEvent* event)

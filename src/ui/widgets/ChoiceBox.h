@@ -15,7 +15,7 @@ public:
     explicit ChoiceBox(QWidget* parent);
 
 protected:
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
 };
 
