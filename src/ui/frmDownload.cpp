@@ -13,6 +13,7 @@
 #include "ui/session/SessionView.h"
 #include "ui/session/TransferBar.h"
 
+#include <QAccessibleWidget>
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -54,6 +55,14 @@ void acceptAsCopy(QDropEvent& event)
     event.accept();
 }
 
+// A widget that is nothing else would be a filler to screen readers.
+QAccessibleInterface* accessibleWindow(const QString& className, QObject* object)
+{
+    if (className != QLatin1String(frmDownload::staticMetaObject.className()))
+        return nullptr;
+    return new QAccessibleWidget(static_cast<QWidget*>(object), QAccessible::Window);
+}
+
 } // namespace
 
 DownloadWindow::ViewFactory frmDownload::factory(const Platform& platform, IFileDialogs& dialogs,
@@ -72,6 +81,7 @@ frmDownload::frmDownload(DownloadWindow& window, const Platform& platform, IFile
                              window.weak_from_this(), platform, dialogs, helpViewer)),
       m_platform(platform)
 {
+    QAccessible::installFactory(accessibleWindow);
     setObjectName(QStringLiteral("frmDownload"));
     setWindowFlags(Qt::Window | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                    Qt::WindowSystemMenuHint | Qt::WindowCloseButtonHint);

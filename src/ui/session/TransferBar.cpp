@@ -3,6 +3,7 @@
 #include <QPainter>
 
 #include <chrono>
+#include <utility>
 
 namespace fldc {
 
@@ -15,6 +16,7 @@ constexpr int whole = 100;
 constexpr int step = 2;
 constexpr int lightWidth = 12;
 constexpr int lightHeight = 2;
+constexpr int milestone = 25;
 
 } // namespace
 
@@ -25,6 +27,14 @@ TransferBar::TransferBar(QWidget* parent) : QProgressBar(parent)
         m_position = (m_position + step) % (whole + lightWidth);
         update();
     });
+    connect(this, &QProgressBar::valueChanged, this, &TransferBar::tellMilestone);
+}
+
+void TransferBar::tellMilestone(int value)
+{
+    const int reached = value / milestone * milestone;
+    if (std::exchange(m_told, reached) != reached)
+        setAccessibleName(reached == 0 ? tr("Progress") : tr("Progress, %1 %").arg(reached));
 }
 
 // At once, like the status panels: nothing may be served for a while.
