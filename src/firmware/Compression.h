@@ -12,13 +12,14 @@ enum class Compression {
 };
 
 /// Called every few milliseconds by what takes long on the one thread, so that others are served
-/// meanwhile; false asks to give up. Once false, it stays so. May throw nothing.
-using Pace = std::function<bool()>;
+/// meanwhile; false asks to give up. Once false, it stays so. May throw nothing. @p share of the
+/// work that is done, from 0 to 1; never less than before.
+using Pace = std::function<bool(double share)>;
 
 /// Whether to go on; nobody's pace is never to give up.
-[[nodiscard]] inline bool goesOn(const Pace& pace)
+[[nodiscard]] inline bool goesOn(const Pace& pace, double share)
 {
-    return !pace || pace();
+    return !pace || pace(share);
 }
 
 } // namespace fldc

@@ -51,6 +51,8 @@ SRecordImage::SRecordImage(std::shared_ptr<clsFile> file, const DataRecordType& 
 
 bool SRecordImage::read(TextLines& lines)
 {
+    m_lines = &lines;
+    m_finished = lines.share();
     const std::array type{static_cast<std::uint8_t>(m_type.type[0]),
                           static_cast<std::uint8_t>(m_type.type[1])};
     for (;;) {
@@ -77,7 +79,8 @@ bool SRecordImage::read(TextLines& lines)
 bool SRecordImage::keepsPace()
 {
     constexpr std::uint32_t recordsBetween = 1024;
-    return ++m_recordsRead % recordsBetween != 0 || goesOn(m_pace) || reject(givenUpText());
+    return ++m_recordsRead % recordsBetween != 0 || goesOn(m_pace, m_finished) ||
+           reject(givenUpText());
 }
 
 bool SRecordImage::addLine(const SRecordLine& line)
@@ -172,6 +175,7 @@ void SRecordImage::endRecord(std::int32_t address, std::int32_t units)
     m_pad = false;
 }
 
+// Nearly all of the time goes into this: what was only read does not count as done.
 bool SRecordImage::finishData()
 {
     if (m_data->Count() == 0)
@@ -179,8 +183,11 @@ bool SRecordImage::finishData()
     if (m_compression == Compression::None)
         m_data->FinishUncompressed();
     else
-        m_data->CompressData(m_compression, m_pace);
-    return goesOn(m_pace) || reject(givenUpText());
+        m_data->CompressData(m_compression, [this](double share) {
+            return goesOn(m_pace, m_finished + share * (m_lines->share() - m_finished));
+        });
+    m_finished = m_lines->share();
+    return goesOn(m_pace, m_finished) || reject(givenUpText());
 }
 
 bool SRecordImage::finish()

@@ -58,6 +58,8 @@ private:
     const DataRecordType& m_type;
     Compression m_compression;
     const Pace& m_pace;
+    const TextLines* m_lines = nullptr; ///< while they are read
+    double m_finished = 0;              ///< share of the text whose data are finished
     std::uint32_t m_recordsRead = 0;
     int m_unitBytes;
     bool m_padsOddAddress;

@@ -12,7 +12,7 @@ namespace fldc {
 /// order; the end of the text ends the last one. The text must outlive the object.
 class TextLines {
 public:
-    explicit TextLines(std::span<const std::uint8_t> text) : m_rest(text) {}
+    explicit TextLines(std::span<const std::uint8_t> text) : m_rest(text), m_size(text.size()) {}
 
     /// Moves on to the next line; false when the text has ended.
     [[nodiscard]] bool next()
@@ -29,6 +29,13 @@ public:
     [[nodiscard]] qint64 number() const { return m_number; }
     /// The text behind the present line.
     [[nodiscard]] std::span<const std::uint8_t> rest() const { return m_rest; }
+    /// How much of the text is behind, from 0 to 1.
+    [[nodiscard]] double share() const
+    {
+        return m_size == 0
+                   ? 1
+                   : 1 - static_cast<double>(m_rest.size()) / static_cast<double>(m_size);
+    }
     /// Makes the next @p length bytes the present line. They hold no line end, and a line end or
     /// the end of the text follows them.
     void take(std::size_t length)
@@ -44,6 +51,7 @@ public:
 
 private:
     std::span<const std::uint8_t> m_rest;
+    std::size_t m_size;
     QByteArrayView m_line;
     qint64 m_number = 0;
 };

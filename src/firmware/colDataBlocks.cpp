@@ -43,6 +43,10 @@ std::uint8_t byteOf(QStringView digits)
 // Bytes compressed between two looks at the pace: some milliseconds.
 constexpr qsizetype sliceSize = qsizetype{64} * 1024;
 
+// libdeflate takes its data in one piece, 0.15 s for a mebibyte, in which nobody is served. More
+// than this is no run of addresses in a radio.
+constexpr qsizetype bestSize = qsizetype{4} * 1024 * 1024;
+
 // Streams the data through deflate with the parameters of compress(), whose bytes come out however
 // the data are sliced.
 QByteArray standardStream(const QByteArray& data, const Pace& pace)
@@ -56,7 +60,8 @@ QByteArray standardStream(const QByteArray& data, const Pace& pace)
     stream.avail_out = static_cast<uInt>(packed.size());
     int result = Z_OK;
     for (qsizetype at = 0; result == Z_OK && at < data.size(); at += sliceSize) {
-        if (at != 0 && !goesOn(pace))
+        if (at != 0 &&
+            !goesOn(pace, static_cast<double>(at) / static_cast<double>(data.size())))
             return {};
         const qsizetype size = std::min(sliceSize, data.size() - at);
         stream.next_in = reinterpret_cast<z_const Bytef*>(const_cast<char*>(data.constData())) + at;
@@ -149,7 +154,8 @@ void colDataBlocks::CompressData(Compression compression, const Pace& pace)
 {
     trim();
     const QByteArray standard = standardStream(m_data, pace);
-    const QByteArray best = compression == Compression::Best ? bestStream(m_data) : QByteArray();
+    const bool wantsBest = compression == Compression::Best && m_data.size() <= bestSize;
+    const QByteArray best = wantsBest ? bestStream(m_data) : QByteArray();
     const bool bestIsShorter =
         !best.isEmpty() && (standard.isEmpty() || best.size() < standard.size());
     if (const QByteArray& shorter = bestIsShorter ? best : standard; !shorter.isEmpty()) {

@@ -76,7 +76,8 @@ public:
     std::int16_t EraseSelected(const QString& FilesToErase, QString& strFilesToReport);
     /// Writes every loaded file into the radio. 37 when some were not written; their tags are then
     /// the detail text that FormatMessage(37) shows, and the last error is 0. Nothing is sent when
-    /// a file of the list was refused (34) or none could be loaded (the load's code). Without a
+    /// a file of the list was refused (34), none could be loaded (the load's code), or the load was
+    /// cancelled (1). Without a
     /// user @p strFilesToReport receives the report text read afterwards.
     std::int16_t DownLoad(QString& strFilesToReport);
     /// Restarts the radio on the port as it is.
@@ -171,7 +172,8 @@ public:
     [[nodiscard]] bool operates() const;
     /// Whether a task has started and not ended.
     [[nodiscard]] bool AsyncTaskRuns() const { return m_asyncBusy && m_AsyncTaskTimer == 0; }
-    /// The images of the last load, in the order in which a download writes them; null before it.
+    /// The images of the last load that was not cancelled, in the order in which a download writes
+    /// them; null before it.
     [[nodiscard]] std::shared_ptr<const colFiles> loadedFiles() const { return m_files; }
     /// Has the files hashed that are loaded from now on: for who records what was written.
     void hashFiles() { m_hashesFiles = true; }
@@ -203,6 +205,8 @@ Q_SIGNALS:
     void AsyncTaskBusyChanged();
     /// For the component only: a load runs; listeners hear of the other operations.
     void LoadBegun();
+    /// For the component only: how far the running load is, in whole percent of its list.
+    void LoadAdvanced(int percent);
     /// For the component only: the last that happens to an operation, loads included. An
     /// erasure's own failure, not that of reading again.
     void OperationCompleted(int code, const QString& message);
@@ -247,9 +251,12 @@ private:
     // Loading (clsDLManager_load.cpp)
     std::int16_t loadPaths(const QStringList& paths, bool rememberFirst);
     void loadSteps(Session& session, const QStringList& paths, bool rememberFirst);
+    void keepFiles(const std::shared_ptr<colFiles>& files, const QStringList& paths,
+                   const QHash<QString, ContentHash>& hashes);
     QString readFile(const QString& path, const std::shared_ptr<colFiles>& files,
                      const Pace& pace = {});
-    [[nodiscard]] Pace servingPace() const;
+    /// For the @p file th (from 0) of @p files files.
+    [[nodiscard]] Pace servingPace(qsizetype file = 0, qsizetype files = 1);
 
     // Port and window (clsDLManager_port.cpp)
     std::int16_t runOnLine(session::Operation kind, const std::function<void(Session&)>& steps);

@@ -150,10 +150,13 @@ void clsDLManager::downloadSteps(Session& session, QString& strFilesToReport)
     m_filesLeftOver = listFilesNotDownloaded(*files);
 }
 
-// False, with the code recorded, when a file of the list was refused, or none of them could be
-// loaded. Then the others are not written either: the user wanted all of them.
+// False, with the code recorded, when the last load was cancelled, a file of its list was refused,
+// or none of them could be loaded. Then the others are not written either: the user wanted all of
+// them, and not those before.
 bool clsDLManager::mayBeWritten(const colFiles& files) const
 {
+    if (m_loadCode == Code::UserCancelled)
+        return fail(Code::UserCancelled);
     if (files.hasRejected())
         return fail(Code::FileFormatNotValid);
     if (files.Count() == 0)

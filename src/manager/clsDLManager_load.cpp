@@ -13,6 +13,8 @@
 #include "port/Cancellation.h"
 #include "shared/DisplayTexts.h"
 
+#include <utility>
+
 namespace fldc {
 
 std::int16_t clsDLManager::LoadFiles(const QString& FilesToDL)
@@ -58,30 +60,41 @@ void clsDLManager::loadSteps(Session& session, const QStringList& paths, bool re
 {
     session.openDownloadLog();
     const auto files = std::make_shared<colFiles>();
-    m_files = files;
-    m_loadedPaths = paths;
-    m_hashes.clear();
-    const Pace pace = servingPace();
+    const auto filesBefore = std::exchange(m_files, files);
+    const QStringList pathsBefore = std::exchange(m_loadedPaths, paths);
+    const auto hashesBefore = std::exchange(m_hashes, {});
     if (rememberFirst)
         WriteSetting(m_platform.settings, lastFileSetting, paths.value(0));
-    for (const QString& path : paths) {
+    for (qsizetype number = 0; number < paths.size(); ++number) {
+        const QString& path = paths.at(number);
         session.window().setStatusPanelStatus(displayText(Text::ValidatingFile));
         QString reason = formatMessage(static_cast<std::int32_t>(Code::FileDoesNotExist));
         if (m_platform.files.exists(path))
-            reason = readFile(path, files, pace);
+            reason = readFile(path, files, servingPace(number, paths.size()));
         else
             lastError().set(Code::FileDoesNotExist);
         if (!lastError().ok())
             Q_EMIT FileNotLoaded(path, reason);
-        // What was read before can't stand for the whole list.
         if (m_cancellation->requested()) {
-            files->setHasRejected();
             lastError().set(Code::UserCancelled);
-            return;
+            return keepFiles(filesBefore, pathsBefore, hashesBefore);
         }
     }
     if (lastError().ok())
         OrderFilesForDownload(*files);
+}
+
+// What a cancelled load has read can't stand for its list. The files before it stay to be seen; a
+// download writes neither (mayBeWritten).
+void clsDLManager::keepFiles(const std::shared_ptr<colFiles>& files, const QStringList& paths,
+                             const QHash<QString, ContentHash>& hashes)
+{
+    m_files->setHasRejected();
+    if (!files)
+        return;
+    m_files = files;
+    m_loadedPaths = paths;
+    m_hashes = hashes;
 }
 
 void clsDLManager::ValidFile(const QString& strFileName)
@@ -103,12 +116,18 @@ void clsDLManager::ValidFile(const QString& strFileName)
 }
 
 // Serves events every few milliseconds. What the served calls do to the last error is not seen.
-Pace clsDLManager::servingPace() const
+Pace clsDLManager::servingPace(qsizetype file, qsizetype files)
 {
     constexpr std::chrono::milliseconds interval{10};
-    return [this, interval, last = m_platform.clock.monotonic()]() mutable {
+    constexpr int whole = 100;
+    return [this, file, files, interval, told = -1,
+            last = m_platform.clock.monotonic()](double share) mutable {
         if (m_platform.clock.monotonic() - last >= interval) {
             const LastErrorKeeper loadsOwn;
+            const double all = (static_cast<double>(file) + share) / static_cast<double>(files);
+            const int percent = static_cast<int>(whole * all);
+            if (percent != std::exchange(told, percent))
+                Q_EMIT LoadAdvanced(percent);
             m_platform.events.processPending();
             last = m_platform.clock.monotonic();
         }

@@ -5,6 +5,7 @@
 #include <QString>
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <span>
 
@@ -42,6 +43,13 @@ public:
     /// Throws when the existing file can't be written or another program holds it as in use.
     virtual void checkWritable(const QString& path) = 0;
     [[nodiscard]] virtual std::unique_ptr<IFileContent> read(const QString& path) = 0;
+    /// The same in pieces of a few milliseconds, with a call of @p goesOn between them. What stands
+    /// behind the piece after which that is false is left out.
+    [[nodiscard]] virtual std::unique_ptr<IFileContent>
+    readInPieces(const QString& path, const std::function<bool()>& /*goesOn*/)
+    {
+        return read(path);
+    }
     /// Local date of the last change.
     [[nodiscard]] virtual QDate lastModified(const QString& path) = 0;
     virtual void copy(const QString& from, const QString& to) = 0;

@@ -19,7 +19,7 @@ QByteArray sha256Of(std::span<const std::uint8_t> bytes, const Pace& pace)
         const auto piece = bytes.first(std::min(bytes.size(), hashedAtOnce));
         hash.addData(QByteArrayView(piece.data(), static_cast<qsizetype>(piece.size())));
         bytes = bytes.subspan(piece.size());
-        if (!goesOn(pace))
+        if (!goesOn(pace, 0))
             return {};
     }
     return hash.result();

@@ -48,7 +48,7 @@ void InputFiles::read(const std::vector<std::string>& names, const std::function
         file.key = keyFor(file.path, name);
         try {
             file.content = FileService::readNative(QByteArray::fromStdString(name), file.path);
-            file.sha256 = sha256Of(file.content->bytes(), [&] { return !wantsEnd(); });
+            file.sha256 = sha256Of(file.content->bytes(), [&](double) { return !wantsEnd(); });
         } catch (const std::exception&) {
             const PlatformFailure failure = currentFailure();
             file.failure = reasonOf(failure, file.path);

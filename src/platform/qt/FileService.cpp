@@ -7,6 +7,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <filesystem>
 #include <system_error>
 
@@ -61,6 +62,9 @@ void holdAsInUse(const FileDescriptor& file, const QString& path)
         throw PlatformFailure(EWOULDBLOCK, path + QStringLiteral(": in use by another program"));
 }
 
+// Some milliseconds of reading, also from a slow disk.
+constexpr qint64 pieceSize = qint64{1} * 1024 * 1024;
+
 class OutputFile final : public IOutputFile {
 public:
     OutputFile(FileDescriptor file, QString path) : m_file(std::move(file)), m_path(std::move(path))
@@ -87,13 +91,20 @@ private:
 /// The bytes that the file had when it was opened, or fewer when it is cut short while it is read.
 class FileContent final : public IFileContent {
 public:
-    FileContent(FileDescriptor descriptor, const QString& path)
+    FileContent(FileDescriptor descriptor, const QString& path,
+                const std::function<bool()>& goesOn = {})
     {
         QFile file;
         // Not buffered: QFile's own buffer would only copy what is read in one piece.
         if (!file.open(descriptor.get(), QIODevice::ReadOnly | QIODevice::Unbuffered))
             throw PlatformFailure(EIO, path + QStringLiteral(": ") + file.errorString());
-        m_bytes = file.readAll();
+        m_bytes.reserve(file.size() + pieceSize);
+        for (qint64 got = pieceSize; got > 0 && (!goesOn || goesOn());) {
+            const qsizetype at = m_bytes.size();
+            m_bytes.resize(at + pieceSize);
+            got = file.read(m_bytes.data() + at, pieceSize);
+            m_bytes.truncate(at + std::max<qint64>(got, 0));
+        }
         if (file.error() != QFileDevice::NoError)
             throw PlatformFailure(EIO, path + QStringLiteral(": ") + file.errorString());
     }
@@ -136,6 +147,12 @@ void FileService::checkWritable(const QString& path)
 std::unique_ptr<IFileContent> FileService::read(const QString& path)
 {
     return std::make_unique<FileContent>(openFile(path, O_RDONLY), path);
+}
+
+std::unique_ptr<IFileContent> FileService::readInPieces(const QString& path,
+                                                        const std::function<bool()>& goesOn)
+{
+    return std::make_unique<FileContent>(openFile(path, O_RDONLY), path, goesOn);
 }
 
 std::unique_ptr<IFileContent> FileService::readNative(const QByteArray& name, const QString& path)

@@ -15,6 +15,8 @@ public:
     void checkWritable(const QString& path) override;
     /// Into memory, and not mapped: another program may cut the file short meanwhile.
     [[nodiscard]] std::unique_ptr<IFileContent> read(const QString& path) override;
+    [[nodiscard]] std::unique_ptr<IFileContent>
+    readInPieces(const QString& path, const std::function<bool()>& goesOn) override;
     /// Likewise for a file by its name as the system has it, byte for byte: neither need that be
     /// text, nor does `\` in it stand for anything else. @p path names it in failures.
     [[nodiscard]] static std::unique_ptr<IFileContent> readNative(const QByteArray& name,

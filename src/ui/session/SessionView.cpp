@@ -112,7 +112,8 @@ void SessionView::showProgress()
     if (m_cancelling && !text.isEmpty())
         text += tr(" · ending");
     m_around.bar.showText(text);
-    m_around.bar.setAlive(m_notes.running() && m_notes.run().phase != Phase::Writing);
+    m_around.bar.setValue(m_notes.percent().value_or(m_window->progress()));
+    m_around.bar.setAlive(m_notes.running() && !m_notes.percent());
     const QString file = m_notes.fileText();
     m_around.bar.setToolTip(file.isEmpty() ? tr("How much of the present file has been written")
                                            : file);

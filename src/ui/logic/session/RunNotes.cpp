@@ -89,6 +89,10 @@ RunNotes::RunNotes(DownloadWindow& window, const Platform& platform, Listeners l
         m_refused.clear();
         begin(std::nullopt);
     });
+    QObject::connect(m_manager, &clsDLManager::LoadAdvanced, &m_connections, [this](int percent) {
+        m_run.percentRead = percent;
+        m_listeners.changed();
+    });
     QObject::connect(m_manager, &clsDLManager::FileNotLoaded, &m_connections,
                      [this](const QString& path, const QString& reason) {
                          m_refused.append(path.section(u'/', -1).section(u'\\', -1) + u": "_s +
@@ -116,6 +120,15 @@ void RunNotes::detach()
     m_run.phase = Phase::Idle;
 }
 
+std::optional<int> RunNotes::percent() const
+{
+    if (m_run.phase == Phase::ReadingFiles)
+        return m_run.percentRead;
+    return m_run.phase == Phase::Writing && m_window != nullptr
+               ? std::optional(m_window->progress())
+               : std::nullopt;
+}
+
 QString RunNotes::progressText() const
 {
     if (!running() || m_window == nullptr)
@@ -124,7 +137,9 @@ QString RunNotes::progressText() const
         return transferText(m_window->progress(), m_narrator.transfer());
     const auto passed =
         std::chrono::floor<std::chrono::seconds>(m_platform.clock.monotonic() - m_run.phaseBegun);
-    const QString text = QString::fromUtf16(phaseTexts.at(static_cast<std::size_t>(m_run.phase)));
+    QString text = QString::fromUtf16(phaseTexts.at(static_cast<std::size_t>(m_run.phase)));
+    if (const auto share = percent())
+        text += u" · %1 %"_s.arg(*share);
     return passed.count() == 0 ? text : text + u" · "_s + durationText(passed);
 }
 

@@ -50,6 +50,7 @@ struct ImageNote {
 struct Run {
     std::optional<session::Operation> operation; ///< none: files were only loaded
     Phase phase = Phase::Idle;
+    int percentRead = 0; ///< of the files that are loaded
     std::chrono::microseconds begun{}; ///< on the platform's monotonic clock
     std::chrono::microseconds phaseBegun{};
     std::chrono::microseconds ended{};
@@ -96,6 +97,8 @@ public:
     [[nodiscard]] const Run& run() const { return m_run; }
     /// Files that the last load did not read, with the reasons.
     [[nodiscard]] const QStringList& refused() const { return m_refused; }
+    /// How far the run is in what it is at, in percent; nothing where that has no measure.
+    [[nodiscard]] std::optional<int> percent() const;
     /// "42 % · 96 of 230 kB · 11.3 kB/s · 1 min 05 s left", or what is done and for how long.
     [[nodiscard]] QString progressText() const;
     /// "File 2 of 5: a.srec, JHA2F-2.03"; empty while none is written.
