@@ -4,7 +4,9 @@
 #include "platform/ShowError.h"
 #include "shared/HexText.h"
 
+#include <array>
 #include <optional>
+#include <string_view>
 
 namespace fldc {
 
@@ -35,11 +37,16 @@ QChar characterOf(std::uint32_t unit)
 template <std::size_t size>
 std::int32_t findUnit(std::span<const std::uint8_t> data, std::int32_t start, std::uint32_t value)
 {
-    for (auto p = static_cast<std::size_t>(start); p + size <= data.size(); p += size) {
-        if (unitAt(&data[p], size) == value)
-            return static_cast<std::int32_t>(p);
-    }
-    return -1;
+    std::array<char, size> unit{};
+    for (std::size_t i = 0; i < size; ++i)
+        unit[i] = static_cast<char>(value >> 8U * (size - 1 - i) & 0xFFU);
+    const std::string_view wanted(unit.data(), size);
+    const std::string_view text(reinterpret_cast<const char*>(data.data()), data.size());
+    const auto from = static_cast<std::size_t>(start);
+    std::size_t at = text.find(wanted, from);
+    while (at != std::string_view::npos && (at - from) % size != 0)
+        at = text.find(wanted, at + 1);
+    return at == std::string_view::npos ? -1 : static_cast<std::int32_t>(at);
 }
 
 // The value that digits stand for in units of that width; nothing when no unit can have it.
