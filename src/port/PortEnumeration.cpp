@@ -12,7 +12,7 @@ constexpr QStringView namePrefix = u"COM";
 
 QString entryOf(const IPortListing::Port& port)
 {
-    return port.available ? port.name.trimmed()
+    return port.available || port.heldHere ? port.name.trimmed()
                           : port.name.trimmed() + QStringLiteral(" (unavailable)");
 }
 
@@ -49,6 +49,9 @@ std::int32_t PortNumber(const QString& text)
     if (const auto number = readNumber(text))
         return *number;
     const qsizetype colon = text.indexOf(u':');
+    if (colon < 0)
+        throw PlatformFailure(FailureNumber::InvalidArgument,
+                              QStringLiteral("no serial port: plug in the adapter"));
     if (colon < namePrefix.size())
         throw PlatformFailure(FailureNumber::InvalidArgument);
     return readNumber(QStringView(text).first(colon).sliced(namePrefix.size())).value_or(0);

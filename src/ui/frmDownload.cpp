@@ -12,12 +12,12 @@
 #include "ui/session/NoticeStrip.h"
 #include "ui/session/SessionView.h"
 #include "ui/session/TransferBar.h"
+#include "ui/widgets/ChoiceBox.h"
 
 #include <QAccessibleWidget>
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
-#include <QComboBox>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QMimeData>
@@ -137,6 +137,8 @@ void frmDownload::showView()
     if (!std::exchange(m_placed, true))
         placeOnScreen();
     show();
+    // Behind the first picture: it takes a look at every process of the machine.
+    QTimer::singleShot(0, this, [this] { whileHandling([&] { m_window->describePorts(); }); });
 }
 
 void frmDownload::placeOnScreen()
@@ -199,12 +201,17 @@ void frmDownload::showErasable()
 
 void frmDownload::showPorts()
 {
-    if (cboPort->count() == 0)
-        cboPort->addItems(m_window->portEntries());
+    QStringList tips;
+    for (const QString& entry : m_window->portEntries())
+        tips.append(m_window->portTip(entry));
     // The toolkit keeps its own index when text is typed: what it holds may be the same number.
-    cboPort->setCurrentIndex(m_window->portIndex());
+    cboPort->setEntries(m_window->portEntries(), tips, m_window->portIndex());
     cboPort->setEditText(m_window->portText());
     cboPort->lineEdit()->setCursorPosition(0);
+    // The box may be too narrow for its text.
+    const QString tip = m_window->portTip(m_window->portText());
+    cboPort->setToolTip(tip.isEmpty() ? m_window->portText()
+                                      : m_window->portText() + u'\n' + tip);
 }
 
 void frmDownload::showBaudRate()
@@ -278,6 +285,12 @@ void frmDownload::showNotice(const QString& text)
     box->setWindowModality(operationRuns() ? Qt::NonModal : Qt::WindowModal);
     keepOffTaskBar(*box);
     box->show();
+}
+
+void frmDownload::downloadRefused()
+{
+    if (m_session != nullptr)
+        m_session->downloadRefused();
 }
 
 void frmDownload::onSessionEnds()

@@ -10,7 +10,6 @@
 #include <memory>
 
 class QCheckBox;
-class QComboBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -18,6 +17,7 @@ class QPushButton;
 namespace fldc {
 
 class ButtonOperations;
+class ChoiceBox;
 class ConfigurationView;
 class IDesktopSession;
 class IFileDialogs;
@@ -51,6 +51,7 @@ public:
     void hideView() override { hide(); }
     void showFailureReport(const QString& text, std::function<void()> closed) override;
     void showNotice(const QString& text) override;
+    void downloadRefused() override;
     void windowChanged(WindowPart part) override;
 
     /// The desktop's session ends: from now on, for a minute, a close is not refused.
@@ -74,7 +75,7 @@ private:
     Widget* place(Control control, Widget* widget);
     QLabel* makeLabel(Control control, const QString& text);
     QPushButton* makeButton(Control control, const QString& text, Operation operation);
-    QComboBox* makeCombo(Control control);
+    ChoiceBox* makeCombo(Control control);
     void makeFrame();
     void makeHelpButton();
     void connectControls();
@@ -102,8 +103,8 @@ private:
     QWidget* m_focused = nullptr; ///< had the focus when the controls were disabled
 
     QCheckBox* chkAccessLevel = nullptr;
-    QComboBox* cboPort = nullptr;
-    QComboBox* cboBaudRate = nullptr;
+    ChoiceBox* cboPort = nullptr;
+    ChoiceBox* cboBaudRate = nullptr;
     QPushButton* cmdConfig = nullptr;
     QPushButton* cmdErase = nullptr;
     QPushButton* cmdDownload = nullptr;

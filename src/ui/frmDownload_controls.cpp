@@ -132,7 +132,7 @@ QPushButton* frmDownload::makeButton(Control control, const QString& text, Opera
     return button;
 }
 
-QComboBox* frmDownload::makeCombo(Control control)
+ChoiceBox* frmDownload::makeCombo(Control control)
 {
     return place(control, new ChoiceBox(this));
 }
@@ -182,6 +182,8 @@ void frmDownload::connectControls()
     connect(cboPort->lineEdit(), &QLineEdit::textEdited, this,
             [this](const QString& text) { whileHandling([&] { m_window->typePort(text); }); });
     connect(cboPort, &QComboBox::editTextChanged, cboPort, &QWidget::setToolTip);
+    connect(cboPort, &ChoiceBox::opening, this,
+            [this] { whileHandling([&] { m_window->lookForPorts(); }); });
     connect(cboBaudRate, &QComboBox::activated, this,
             [this](int index) { whileHandling([&] { m_window->setBaudRateIndex(index); }); });
     connect(cboBaudRate->lineEdit(), &QLineEdit::textEdited, this,

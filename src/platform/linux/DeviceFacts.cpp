@@ -65,6 +65,14 @@ DeviceFacts DeviceInspector::facts(const QString& path)
     return facts;
 }
 
+bool DeviceInspector::isHeldHere(const QString& path)
+{
+    const QString device = m_system.realPath(path);
+    const auto holders = processes().holders(device, m_system.node(device));
+    return std::ranges::any_of(
+        holders, [](const Holder& holder) { return holder.process.pid == ::getpid(); });
+}
+
 // Stops as soon as the state is known.
 DeviceFacts DeviceInspector::look(const QString& path)
 {

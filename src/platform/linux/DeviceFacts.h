@@ -83,6 +83,8 @@ public:
     /// The state alone: asks no data base of users.
     [[nodiscard]] PortState state(const QString& path);
     [[nodiscard]] DeviceFacts facts(const QString& path);
+    /// Whether this process has it open.
+    [[nodiscard]] bool isHeldHere(const QString& path);
 
     /// Devices of all serial ports that the machine has ("/dev/ttyUSB0"), in no order. A port that
     /// the driver keeps in reserve, without hardware behind it, is none.

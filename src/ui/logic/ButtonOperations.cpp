@@ -96,6 +96,7 @@ void ButtonOperations::runBusy(const std::function<void(clsDLManager&)>& operati
     const WindowPointer window = idleWindow();
     if (!window)
         return;
+    window->settlePort();
     window->setBusy(true);
     window->EnableControls(false);
     showingErrors([&] { operation(managerOf(*window)); });
@@ -133,7 +134,10 @@ void ButtonOperations::DownloadFiles(const QStringList& paths)
 void ButtonOperations::startDownload(const std::function<void(DownloadWindow&)>& chooseFiles)
 {
     const WindowPointer window = idleWindow();
-    if (!window || !portCanBeOpened(*window))
+    if (!window)
+        return;
+    window->settlePort();
+    if (!portCanBeOpened(*window))
         return;
     window->setBusy(true);
     window->EnableControls(false);
@@ -151,7 +155,7 @@ bool ButtonOperations::portCanBeOpened(DownloadWindow& window) const
     if (PortAvailable(m_platform.ports, portNameOf(window.portText())))
         return true;
     lastError().set(Code::PortInUse);
-    window.setStatusPanelStatus(statusLine({}));
+    window.refuseDownload();
     return false;
 }
 

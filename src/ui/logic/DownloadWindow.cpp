@@ -7,10 +7,8 @@
 #include "platform/ISerialControl.h"
 #include "platform/ITimers.h"
 #include "platform/Platform.h"
-#include "port/PortEnumeration.h"
 #include "shared/DisplayTexts.h"
 #include "shared/LastError.h"
-#include "shared/NumberText.h"
 
 #include <algorithm>
 #include <array>
@@ -87,6 +85,8 @@ void DownloadWindow::show()
     if (m_view)
         m_view->showView();
     m_visible = true;
+    if (m_view && !m_portWatch)
+        m_portWatch = m_platform.ports.watch([this] { lookForPorts(); });
 }
 
 void DownloadWindow::hide()
@@ -101,6 +101,7 @@ void DownloadWindow::unload()
     // The manager's reference may be the last one.
     const auto self = weak_from_this().lock();
     hide();
+    m_portWatch.reset();
     m_view.reset();
     clsDLManager* manager = m_DLManager;
     m_DLManager = nullptr;
@@ -119,27 +120,6 @@ bool DownloadWindow::requestClose(bool sessionEnds)
     return true;
 }
 
-void DownloadWindow::selectPort(int index)
-{
-    if (index == m_portIndex)
-        return;
-    const int indexBefore = std::exchange(m_portIndex, index);
-    const QString textBefore = std::exchange(m_portText, m_ports.at(index));
-    changed(WindowPart::Ports);
-    if (m_DLManager == nullptr ||
-        m_DLManager->SetPort(m_portText, m_uiDisplay) != static_cast<int>(Code::PortInUseHere))
-        return;
-    m_portIndex = indexBefore;
-    m_portText = textBefore;
-    changed(WindowPart::Ports);
-}
-
-void DownloadWindow::typePort(const QString& text)
-{
-    m_portIndex = -1;
-    m_portText = text;
-}
-
 void DownloadWindow::toggleMark(std::size_t row)
 {
     m_configurations.toggleMark(row);
@@ -155,6 +135,19 @@ void DownloadWindow::EnableControls(bool enable)
     changed(WindowPart::Controls);
 }
 
+void DownloadWindow::setBusy(bool busy)
+{
+    m_blnBusy = busy;
+    operationEnded();
+}
+
+void DownloadWindow::refuseDownload()
+{
+    setStatusPanelStatus(statusLine({}));
+    if (m_view)
+        m_view->downloadRefused();
+}
+
 void DownloadWindow::showFailureReport(const QString& text, const std::function<void()>& closed)
 {
     if (m_view)
@@ -167,37 +160,6 @@ void DownloadWindow::showNotice(const QString& text)
 {
     if (m_view)
         m_view->showNotice(text);
-}
-
-bool DownloadWindow::PortExists(const QString& strPort) const
-{
-    const bool isNumber = readNumber(strPort).has_value();
-    return std::ranges::any_of(m_ports, [&](const QString& entry) {
-        return isNumber ? QString::number(PortNumber(entry)) == strPort : entry == strPort;
-    });
-}
-
-void DownloadWindow::readPorts()
-{
-    if (GetSerialPorts(m_platform.ports, m_ports) == 0)
-        m_ports = QStringList(QStringLiteral("No available COM ports"));
-}
-
-void DownloadWindow::RefreshPorts()
-{
-    readPorts();
-    m_portIndex = static_cast<int>(m_ports.indexOf(m_portText));
-    changed(WindowPart::Ports);
-}
-
-void DownloadWindow::SetPortCombo(const QString& strPort)
-{
-    const auto number = readNumber(strPort);
-    const auto found = std::ranges::find_if(m_ports, [&](const QString& entry) {
-        return number ? PortNumber(entry) == *number : entry == strPort;
-    });
-    if (found != m_ports.end())
-        selectPort(static_cast<int>(found - m_ports.begin()));
 }
 
 std::int32_t DownloadWindow::baudRateCount() const

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "manager/IDownloadWindow.h"
+#include "platform/IPortListing.h"
 #include "ui/logic/ConfigurationList.h"
 
 #include <QString>
@@ -48,6 +49,8 @@ public:
     virtual void showFailureReport(const QString& text, std::function<void()> closed) = 0;
     /// Shows a short text over the window. Returns at once.
     virtual void showNotice(const QString& text) = 0;
+    /// The last error says why a download has not begun.
+    virtual void downloadRefused() = 0;
 };
 
 /// The main window without its widgets: everything that the manager and the protocol read and write
@@ -86,6 +89,11 @@ public:
     /// Selected entry, from 0; -1 when the text is no chosen entry.
     [[nodiscard]] int portIndex() const { return m_portIndex; }
     [[nodiscard]] const QString& portText() const { return m_portText; }
+    /// Adapter, serial number, path and what keeps the port from being used, line by line, as of
+    /// the last reading of the list; empty before describePorts() and for what is no port.
+    [[nodiscard]] QString portTip(const QString& entry) const;
+    /// The same of the manager's port at this moment.
+    [[nodiscard]] IPortListing::Details chosenPort() const;
     [[nodiscard]] const QString& statusPanelTag() const { return m_tag; }
     [[nodiscard]] const QString& statusPanelStatus() const { return m_status; }
     [[nodiscard]] const QString& statusPanelBaud() const { return m_baud; }
@@ -107,6 +115,14 @@ public:
     void selectPort(int index);
     /// Text typed over the port entry: no entry is selected any more, the manager keeps its port.
     void typePort(const QString& text);
+    /// Hands the port that the list shows to the manager when it has not got it yet, because no
+    /// port was there at the beginning.
+    void settlePort();
+    /// The list is opened, or ports have come or gone: reads it again, while an operation runs at
+    /// its end.
+    void lookForPorts();
+    /// From now on the list is read with what portTip() tells.
+    void describePorts();
     /// Marks or unmarks the row at @p row, from 0, and enables "Erase Configuration" by the marks.
     /// It stays disabled while an operation runs.
     void toggleMark(std::size_t row);
@@ -123,7 +139,11 @@ public:
     void setStatusPanelTag(const QString& strData);
 
     // -- For the operations of the buttons
-    void setBusy(bool busy) { m_blnBusy = busy; }
+    void setBusy(bool busy);
+    /// An operation of the manager has ended, whoever had begun it.
+    void operationEnded();
+    /// Shows the last error as the reason why a download does not begin.
+    void refuseDownload();
     /// Enables or disables the port list, "Report Configuration" and "Download" together; "Erase
     /// Configuration" is disabled either way, until a row is marked again.
     void EnableControls(bool enable);
@@ -165,6 +185,8 @@ private:
     void changed(WindowPart part);
     void endPassingStatus();
     void readPorts();
+    void keepChosenPort();
+    void takeFirstPort();
 
     const Platform& m_platform;
     ViewFactory m_makeView;
@@ -178,8 +200,14 @@ private:
     bool m_uiDisplay = false;
     QString m_caption;
     QStringList m_ports;
+    bool m_anyPort = false; ///< m_ports names ports
     int m_portIndex = -1;
     QString m_portText;
+    bool m_portOwed = false; ///< the manager has not been given the port that is shown
+    QList<IPortListing::Details> m_details;
+    bool m_described = false;
+    bool m_refreshDue = false;
+    std::shared_ptr<void> m_portWatch;
     std::int32_t m_baudRateIndex = -1;
     bool m_accessLevelVisible = false;
     bool m_accessLevelChecked = false;

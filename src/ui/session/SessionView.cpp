@@ -3,11 +3,8 @@
 #include "manager/clsDLManager.h"
 #include "platform/IClock.h"
 #include "platform/IDesktopSession.h"
-#include "platform/IPortListing.h"
 #include "platform/IProgramInfo.h"
 #include "platform/Platform.h"
-#include "platform/PlatformFailure.h"
-#include "port/PortEnumeration.h"
 #include "ui/StatusBar.h"
 #include "ui/logic/session/Notice.h"
 #include "ui/session/NoticeStrip.h"
@@ -155,6 +152,7 @@ void SessionView::runEnded()
         m_around.desktop->allowEnd();
     showProgress();
     refreshPlan();
+    m_window->operationEnded();
     // Files that were read well are nothing to tell of yet.
     const Run& run = m_notes.run();
     if (!run.operation && run.code == 0)
@@ -276,13 +274,13 @@ void SessionView::copy()
 
 QString SessionView::portDescription() const
 {
-    const QString entry = m_window->portText();
-    try {
-        const QString device = m_around.platform.ports.devicePath(PortNumber(entry));
-        return device.isEmpty() ? entry : entry + QStringLiteral(", ") + device;
-    } catch (const PlatformFailure&) {
-        return entry; // what was typed is no port
+    const IPortListing::Details port = m_window->chosenPort();
+    QStringList texts{m_window->portText()};
+    for (const QString& text : {port.path, port.adapter, port.serialNumber}) {
+        if (!text.isEmpty())
+            texts.append(text);
     }
+    return texts.join(QStringLiteral(", "));
 }
 
 } // namespace fldc

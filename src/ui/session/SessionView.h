@@ -46,6 +46,7 @@ public:
     /// The window has let go of its view.
     void detach();
     void windowChanged(WindowPart part);
+    void downloadRefused() { m_notes.refuse(session::Operation::Download); }
     /// The window was asked to close and must not.
     void sayWhyOpen();
 

@@ -1,7 +1,10 @@
 #include "ui/widgets/ChoiceBox.h"
 
+#include <QAbstractItemView>
 #include <QKeyEvent>
 #include <QLineEdit>
+#include <QSignalBlocker>
+#include <QStyle>
 #include <QWheelEvent>
 
 namespace fldc {
@@ -18,6 +21,39 @@ ChoiceBox::ChoiceBox(QWidget* parent) : QComboBox(parent)
     setAcceptDrops(false);
     setFocusPolicy(Qt::StrongFocus); // not by the wheel
     lineEdit()->setFocusPolicy(Qt::StrongFocus);
+}
+
+void ChoiceBox::setEntries(const QStringList& entries, const QStringList& tips, int chosen)
+{
+    QStringList present;
+    for (int i = 0; i < count(); ++i)
+        present.append(itemText(i));
+    const bool other = present != entries;
+    if (other) {
+        const QSignalBlocker quiet(this);
+        clear();
+        addItems(entries);
+    }
+    for (int i = 0; i < count(); ++i)
+        setItemData(i, tips.at(i), Qt::ToolTipRole);
+    setCurrentIndex(chosen);
+    if (!other || !view()->isVisible())
+        return;
+    hidePopup();
+    openList();
+}
+
+void ChoiceBox::showPopup()
+{
+    Q_EMIT opening();
+    openList();
+}
+
+void ChoiceBox::openList()
+{
+    view()->setMinimumWidth(view()->sizeHintForColumn(0) + 2 * view()->frameWidth() +
+                            style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, view()));
+    QComboBox::showPopup();
 }
 
 // The box has the focus for its line of text, and hands keys on to it past every event filter.

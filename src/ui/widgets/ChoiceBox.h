@@ -14,9 +14,22 @@ class ChoiceBox final : public QComboBox {
 public:
     explicit ChoiceBox(QWidget* parent);
 
+    /// Replaces the entries, also while the list is open. @p tips: one for each entry. @p chosen:
+    /// from 0; -1 for none.
+    void setEntries(const QStringList& entries, const QStringList& tips, int chosen);
+    /// Never narrower than its longest entry.
+    void showPopup() override;
+
+Q_SIGNALS:
+    /// The list is about to be shown.
+    void opening();
+
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+
+private:
+    void openList();
 };
 
 } // namespace fldc

@@ -2,7 +2,9 @@
 
 #include "platform/RemoteAddress.h"
 #include "platform/linux/DeviceFacts.h"
+#include "platform/linux/PortFindings.h"
 #include "platform/qt/SettingsFile.h"
+#include "platform/qt/serial/PortWatch.h"
 
 namespace fldc {
 
@@ -13,6 +15,23 @@ bool mayBeTried(const QString& path, DeviceInspector& inspector)
 {
     return isRemote(path) ? remoteAddress(path).has_value()
                           : inspector.state(path) == PortState::Free;
+}
+
+IPortListing::Port entryOf(int number, const QString& path, DeviceInspector& inspector)
+{
+    const bool remote = isRemote(path);
+    const bool available = mayBeTried(path, inspector);
+    return {portName(number), available,
+            !available && !remote && inspector.isHeldHere(path)};
+}
+
+IPortListing::Details detailsOf(int number, const QString& path, DeviceInspector& inspector)
+{
+    if (isRemote(path))
+        return {portName(number), QStringLiteral("Line of another machine"), {}, path, {}};
+    const DeviceFacts facts = inspector.facts(path);
+    return {portName(number), facts.hardware.description, facts.hardware.serial, path,
+            portObstacle(facts)};
 }
 
 } // namespace
@@ -28,7 +47,7 @@ QList<IPortListing::Port> PortListing::ports()
     DeviceInspector inspector(m_system);
     const PortMap present = devices();
     for (auto port = present.begin(); port != present.end(); ++port)
-        list.append({portName(port.key()), mayBeTried(port.value(), inspector)});
+        list.append(entryOf(port.key(), port.value(), inspector));
     return list;
 }
 
@@ -42,6 +61,25 @@ bool PortListing::isAvailable(const QString& name)
 QString PortListing::devicePath(int number)
 {
     return devices().value(number);
+}
+
+QList<IPortListing::Details> PortListing::details()
+{
+    PortMap known = devices();
+    if (!qEnvironmentVariableIsSet("RV4100_FLDC_PORTS")) {
+        for (auto port = m_given.constBegin(); port != m_given.constEnd(); ++port)
+            known.insert(port.key(), known.value(port.key(), port.value()));
+    }
+    DeviceInspector inspector(m_system);
+    QList<Details> list;
+    for (auto port = known.constBegin(); port != known.constEnd(); ++port)
+        list.append(detailsOf(port.key(), port.value(), inspector));
+    return list;
+}
+
+std::shared_ptr<void> PortListing::watch(std::function<void()> changed)
+{
+    return std::make_shared<PortWatch>([this] { return devices(); }, m_system, std::move(changed));
 }
 
 QMap<QString, QString> PortListing::pinned() const
@@ -64,11 +102,15 @@ PortMap PortListing::devices() const
         if (number > 0 && !pin.value().isEmpty())
             numbered.insert(number, pin.value());
     }
-    return numberPorts(numbered, DeviceInspector(m_system).serialDevices(),
-                       [this](const QString& path) {
-                           const QString real = m_system.realPath(path);
-                           return real.isEmpty() ? path : real;
-                       });
+    const PortMap ports = numberPorts(
+        numbered, DeviceInspector(m_system).serialDevices(),
+        [this](const QString& path) {
+            const QString real = m_system.realPath(path);
+            return real.isEmpty() ? path : real;
+        },
+        m_given);
+    m_given.insert(ports);
+    return ports;
 }
 
 } // namespace fldc

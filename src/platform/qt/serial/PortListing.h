@@ -26,6 +26,8 @@ public:
     [[nodiscard]] QList<Port> ports() override;
     [[nodiscard]] bool isAvailable(const QString& name) override;
     [[nodiscard]] QString devicePath(int number) override;
+    [[nodiscard]] QList<Details> details() override;
+    [[nodiscard]] std::shared_ptr<void> watch(std::function<void()> changed) override;
 
     [[nodiscard]] PortMap devices() const;
     /// Everything in the section [Ports], whatever its name: the names that users gave to devices.
@@ -35,6 +37,7 @@ public:
 private:
     const SettingsFile& m_settings;
     const LinuxSystem& m_system;
+    mutable PortMap m_given; ///< every number that a path has had
 };
 
 } // namespace fldc

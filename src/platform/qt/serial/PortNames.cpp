@@ -49,7 +49,8 @@ PortMap parsePortList(const QString& text)
 }
 
 PortMap numberPorts(const PortMap& pinned, QStringList devices,
-                    const std::function<QString(const QString& path)>& realPath)
+                    const std::function<QString(const QString& path)>& realPath,
+                    const PortMap& given)
 {
     QSet<QString> numbered;
     for (const QString& path : pinned)
@@ -60,13 +61,20 @@ PortMap numberPorts(const PortMap& pinned, QStringList devices,
     std::ranges::sort(devices, naturalOrder);
 
     PortMap ports = pinned;
-    int next = 1;
+    QStringList fresh;
     for (const QString& device : std::as_const(devices)) {
         const QString real = realPath(device);
         if (numbered.contains(real))
             continue;
         numbered.insert(real);
-        while (ports.contains(next))
+        if (const int before = given.key(device, 0); before != 0 && !pinned.contains(before))
+            ports.insert(before, device);
+        else
+            fresh.append(device);
+    }
+    int next = 1;
+    for (const QString& device : std::as_const(fresh)) {
+        while (ports.contains(next) || given.contains(next))
             ++next;
         ports.insert(next, device);
     }

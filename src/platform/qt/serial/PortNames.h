@@ -22,8 +22,10 @@ using PortMap = QMap<int, QString>;
 
 /// Numbers the serial ports: first @p pinned, then every other of @p devices, in natural order of
 /// the path ("ttyUSB2" before "ttyUSB10"), each with the lowest number that is free. @p realPath
-/// follows links, so that a device pinned by another name is not numbered twice.
+/// follows links, so that a device pinned by another name is not numbered twice. Numbers that were
+/// @p given to paths before stay theirs, also where the device is missing, unless they are pinned.
 [[nodiscard]] PortMap numberPorts(const PortMap& pinned, QStringList devices,
-                                  const std::function<QString(const QString& path)>& realPath);
+                                  const std::function<QString(const QString& path)>& realPath,
+                                  const PortMap& given = {});
 
 } // namespace fldc

@@ -5,6 +5,7 @@
 #include "manager/clsDLManager.h"
 #include "platform/IClock.h"
 #include "platform/Platform.h"
+#include "shared/LastError.h"
 #include "ui/logic/DownloadWindow.h"
 
 #include <algorithm>
@@ -129,6 +130,13 @@ std::optional<int> RunNotes::percent() const
                : std::nullopt;
 }
 
+void RunNotes::refuse(session::Operation operation)
+{
+    m_refused.clear();
+    begin(operation);
+    complete(lastError().number(), formatMessage(lastError().number()));
+}
+
 QString RunNotes::progressText() const
 {
     if (!running() || m_window == nullptr)
@@ -197,6 +205,11 @@ void RunNotes::complete(std::int32_t code, const QString& message)
     m_run.code = code;
     m_run.message = message;
     m_run.refused = m_refused;
+    if (code != 0 && m_run.operation) {
+        const IPortListing::Details port = m_window->chosenPort();
+        m_run.port = port.name;
+        m_run.portObstacle = port.obstacle;
+    }
     m_listeners.ended();
 }
 

@@ -67,6 +67,8 @@ struct Run {
     int unexpected = 0; ///< times that bytes came that nobody had asked for
     std::int32_t code = 0;
     QString message;
+    QString port;         ///< its name
+    QString portObstacle; ///< what keeps it from being used behind a run that failed
 
     [[nodiscard]] session::State state() const { return stateOf(radio); }
     [[nodiscard]] std::chrono::seconds seconds() const
@@ -91,6 +93,8 @@ public:
     RunNotes& operator=(const RunNotes&) = delete;
 
     void detach();
+    /// An operation was refused before it began; the last error says why.
+    void refuse(session::Operation operation);
 
     [[nodiscard]] bool running() const { return m_run.phase != Phase::Idle; }
     /// The running or else the last run.
