@@ -42,7 +42,8 @@ public:
         QString adapter; ///< its own product text
         QString serialNumber;
         QString path;
-        QString obstacle; ///< why it can't be used now, and what to do
+        QString obstacle; ///< why it can't be used now: "no adapter", "in use by ..."
+        QString remedy;   ///< what to do about it, a sentence
     };
     /// Of all ports that there are or were, in the order of ports(). A look at every process of the
     /// machine: not for the middle of an operation.

@@ -103,7 +103,7 @@ TEST(PortListing, SeesWhoHoldsAPortWithoutOpeningIt)
     EXPECT_TRUE(ports.isAvailable(u" COM2: "_s));
     EXPECT_FALSE(ports.isAvailable(u"COM3:"_s));
     ASSERT_EQ(::flock(near.get(), LOCK_EX), 0);
-    EXPECT_EQ(ports.ports(), Ports({{u"COM2:"_s, false}}));
+    EXPECT_EQ(ports.ports(), Ports({{u"COM2:"_s, false, true}}));
     EXPECT_FALSE(ports.isAvailable(u"COM2:"_s));
     EXPECT_FALSE(watch.sawOpening());
     const FileDescriptor opened = far.openNearEnd();

@@ -41,7 +41,23 @@ public:
     QStringList names{QStringLiteral("COM1:"), QStringLiteral("COM7:")};
     std::set<QString> unavailable;
     bool broken = false;
+    QString obstacle;               ///< of all that are unavailable
+    std::function<void()> plugEvent; ///< while somebody watches
 
+    [[nodiscard]] QList<Details> details() override
+    {
+        QList<Details> list;
+        for (const QString& name : std::as_const(names))
+            list.append({name, QStringLiteral("Adapter"), QStringLiteral("S1"),
+                         name.sliced(3).chopped(1), isAvailable(name) ? QString() : obstacle,
+                         QStringLiteral("Remedy.")});
+        return list;
+    }
+    [[nodiscard]] std::shared_ptr<void> watch(std::function<void()> changed) override
+    {
+        plugEvent = std::move(changed);
+        return std::make_shared<int>();
+    }
     [[nodiscard]] QList<Port> ports() override
     {
         if (broken)

@@ -112,17 +112,18 @@ std::vector<PortFinding> findingsOf(const DeviceFacts& facts)
     return findings;
 }
 
-QString portObstacle(const DeviceFacts& facts)
+std::optional<PortObstacle> portObstacle(const DeviceFacts& facts)
 {
-    static constexpr std::array obstacles{u"", u"In use", u"No rights", u"No adapter"};
+    static constexpr std::array names{u"", u"in use", u"no rights", u"no adapter"};
     const auto user = facts.user();
     if (facts.state == PortState::Free || (user && user->pid == ::getpid()))
-        return {};
+        return std::nullopt;
+    QString what = QString::fromUtf16(names.at(static_cast<std::size_t>(facts.state)));
+    if (facts.state == PortState::InUse && user)
+        what += u" by "_s + userText(*user);
     const auto findings = findingsOf(facts);
     const auto wrong = std::ranges::find(findings, false, &PortFinding::ok);
-    const QString what =
-        QString::fromUtf16(obstacles.at(static_cast<std::size_t>(facts.state))) + u": "_s;
-    return wrong == findings.end() ? what : what + wrong->text + u' ' + wrong->hint;
+    return PortObstacle{what, wrong == findings.end() ? QString() : wrong->hint};
 }
 
 } // namespace fldc

@@ -19,9 +19,13 @@ struct PortFinding {
 /// What the facts of a port say, from the device to the adapter's timing.
 [[nodiscard]] std::vector<PortFinding> findingsOf(const DeviceFacts& facts);
 
-/// Why the port can't be used now, with the hint, and beginning with which of the three it is: "No
-/// adapter: ...", "No rights: ...", "In use: ...". Empty when it may be free, and when it is this
-/// program that uses it.
-[[nodiscard]] QString portObstacle(const DeviceFacts& facts);
+/// Why a port can't be used now.
+struct PortObstacle {
+    QString what;   ///< "no adapter", "no rights", or "in use by picocom (process 7)"
+    QString remedy; ///< the hint of the finding
+};
+
+/// Nothing when the port may be free, and when it is this program that uses it.
+[[nodiscard]] std::optional<PortObstacle> portObstacle(const DeviceFacts& facts);
 
 } // namespace fldc

@@ -27,7 +27,10 @@ QString tipOf(const IPortListing::Details& port)
     QStringList lines;
     const QString number =
         port.serialNumber.isEmpty() ? QString() : u"Serial number " + port.serialNumber;
-    for (const QString& line : {port.adapter, number, port.path, port.obstacle}) {
+    QString obstacle = port.obstacle;
+    if (!obstacle.isEmpty())
+        obstacle = obstacle.front().toUpper() + obstacle.sliced(1) + u". " + port.remedy;
+    for (const QString& line : {port.adapter, number, port.path, obstacle}) {
         if (!line.isEmpty())
             lines.append(line);
     }
@@ -157,9 +160,10 @@ IPortListing::Details DownloadWindow::chosenPort() const
             m_portIndex < 0 ? m_control->commPort() : PortNumber(m_portText);
         const auto port = std::ranges::find_if(
             all, [number](const auto& each) { return PortNumber(each.name) == number; });
-        return port == all.end() ? IPortListing::Details{m_portText, {}, {}, {}, {}} : *port;
-    } catch (const PlatformFailure& failure) {
-        return {m_portText, {}, {}, {}, u"No adapter: " + failure.description()};
+        return port == all.end() ? IPortListing::Details{m_portText, {}, {}, {}, {}, {}} : *port;
+    } catch (const PlatformFailure&) {
+        return {{}, {}, {}, {}, QStringLiteral("no serial port"),
+                QStringLiteral("Plug in the adapter.")};
     }
 }
 

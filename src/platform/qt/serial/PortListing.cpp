@@ -28,10 +28,11 @@ IPortListing::Port entryOf(int number, const QString& path, DeviceInspector& ins
 IPortListing::Details detailsOf(int number, const QString& path, DeviceInspector& inspector)
 {
     if (isRemote(path))
-        return {portName(number), QStringLiteral("Line of another machine"), {}, path, {}};
+        return {portName(number), QStringLiteral("Line of another machine"), {}, path, {}, {}};
     const DeviceFacts facts = inspector.facts(path);
+    const PortObstacle obstacle = portObstacle(facts).value_or(PortObstacle());
     return {portName(number), facts.hardware.description, facts.hardware.serial, path,
-            portObstacle(facts)};
+            obstacle.what,    obstacle.remedy};
 }
 
 } // namespace

@@ -108,7 +108,7 @@ QString headlineOf(const Run& run)
     if (reachedItsEnd(run))
         return successHeadline(run);
     if (!run.portObstacle.isEmpty() && run.state() == session::State::Untouched)
-        return u"Nothing was sent: %1 can't be used (error %2)."_s.arg(run.port).arg(run.code);
+        return u"Nothing was sent (error %1): %2."_s.arg(run.code).arg(run.portObstacle);
     const QString after = durationText(run.seconds());
     if (run.code == cancelled)
         return u"The %1 was cancelled after %2."_s.arg(operationName(run), after);
@@ -132,7 +132,7 @@ QString nextOf(const Run& run, const session::StateText& radio)
     if (!reachedItsEnd(run) && !run.refused.isEmpty())
         return run.refused.constFirst();
     if (!run.portObstacle.isEmpty() && !run.flashAtRisk())
-        return run.portObstacle;
+        return run.portRemedy;
     const bool onlyCancelled = run.code == cancelled && run.state() == session::State::Untouched;
     return (reachedItsEnd(run) || onlyCancelled ? radio.meaning : radio.advice).toString();
 }
@@ -156,7 +156,7 @@ Notice noticeOf(const Run& run)
     for (const QString& refused : run.refused)
         notice.details.append(u"Refused: "_s + refused);
     if (!run.portObstacle.isEmpty())
-        notice.details.append(run.port + u' ' + run.portObstacle);
+        notice.details.append(run.portObstacle + u". "_s + run.portRemedy);
     notice.details.append(radio.meaning.toString());
     notice.details.append(radio.advice.toString());
     return notice;

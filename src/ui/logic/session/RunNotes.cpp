@@ -207,8 +207,9 @@ void RunNotes::complete(std::int32_t code, const QString& message)
     m_run.refused = m_refused;
     if (code != 0 && m_run.operation) {
         const IPortListing::Details port = m_window->chosenPort();
-        m_run.port = port.name;
-        m_run.portObstacle = port.obstacle;
+        if (!port.obstacle.isEmpty())
+            m_run.portObstacle = QString(port.name + u' ' + port.obstacle).trimmed();
+        m_run.portRemedy = port.remedy;
     }
     m_listeners.ended();
 }

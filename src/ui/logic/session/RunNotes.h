@@ -67,8 +67,8 @@ struct Run {
     int unexpected = 0; ///< times that bytes came that nobody had asked for
     std::int32_t code = 0;
     QString message;
-    QString port;         ///< its name
-    QString portObstacle; ///< what keeps it from being used behind a run that failed
+    QString portObstacle; ///< behind a run that failed: "COM1: in use by picocom (process 7)"
+    QString portRemedy;
 
     [[nodiscard]] session::State state() const { return stateOf(radio); }
     [[nodiscard]] std::chrono::seconds seconds() const
