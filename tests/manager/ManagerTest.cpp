@@ -167,6 +167,23 @@ TEST_F(ManagerTest, PortsAreChosenByNumberOrEntry)
     EXPECT_EQ(status(), QStringLiteral("Error 11 - Serial port does not exist"));
 }
 
+TEST_F(ManagerTest, ACancelledLoadLeavesTheFilesBeforeItAndNothingToWrite)
+{
+    create();
+    addFile("b.srec", firmware("JHA2G"));
+    EXPECT_EQ(load("a.srec"), 0);
+    const auto before = manager->loadedFiles();
+    const auto cancel = QObject::connect(manager.get(), &clsDLManager::FileNotLoaded,
+                                         [this] { manager->cancelOperation(); });
+    EXPECT_EQ(load("none.srec,b.srec"), 1);
+    EXPECT_EQ(manager->loadedFiles(), before);
+    QString text;
+    EXPECT_EQ(manager->DownLoad(text), 1);
+    QObject::disconnect(cancel);
+    EXPECT_EQ(load("b.srec"), 0);
+    EXPECT_NE(manager->loadedFiles(), before);
+}
+
 TEST_F(ManagerTest, AReportGivesTextEventAndLogs)
 {
     create();

@@ -1,6 +1,7 @@
 #include "Helpers.h"
 
 #include "platform/linux/DeviceFacts.h"
+#include "platform/linux/PortFindings.h"
 #include "platform/qt/SettingsFile.h"
 #include "platform/qt/serial/PortListing.h"
 #include "platform/qt/serial/PortText.h"
@@ -227,6 +228,8 @@ TEST(DeviceFacts, TellTheAdapterAndWhoHoldsIt)
     EXPECT_EQ(held.lockOwners, QList<Process>{program});
     EXPECT_FALSE(held.holdersComplete);
     EXPECT_EQ(held.user(), program);
+    EXPECT_EQ(portObstacle(held)->what, u"in use by a-long-program-name (process 812)"_s);
+    EXPECT_EQ(portObstacle(held)->remedy, u"End that program."_s);
     const ServiceFacts& modems = held.services[0];
     EXPECT_EQ(modems.processes, QList<Process>({{700, u"ModemManager"_s}}));
     EXPECT_EQ(modems.holdsDevice, std::nullopt); // its files can't be seen
@@ -244,6 +247,9 @@ TEST(DeviceFacts, TellTheAdapterAndWhoHoldsIt)
     node.readable = node.writable = false;
     EXPECT_EQ(DeviceInspector(system).facts(adapter).grantingGroup, u"dialout"_s);
     EXPECT_TRUE(DeviceInspector(system).facts(adapter).grantedAtNextLogin);
+    const auto noRights = portObstacle(DeviceInspector(system).facts(adapter));
+    EXPECT_EQ(noRights->what, u"no rights"_s);
+    EXPECT_TRUE(noRights->remedy.contains(u"the group dialout"_s));
     node.mode = S_IFCHR | 0640;
     EXPECT_EQ(DeviceInspector(system).facts(adapter).grantingGroup, QString());
 }

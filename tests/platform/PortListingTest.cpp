@@ -4,6 +4,7 @@
 #include "platform/qt/SettingsFile.h"
 #include "platform/qt/serial/PortListing.h"
 
+#include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 
@@ -22,6 +23,7 @@ TEST(PortNames, NumbersPinnedPortsFirstAndOthersFromTheLowestFreeNumber)
         PortMap pinned;
         QStringList devices;
         PortMap expected;
+        PortMap given{};
     };
     const std::vector<Row> rows{
         {{}, {}, {}},
@@ -32,12 +34,16 @@ TEST(PortNames, NumbersPinnedPortsFirstAndOthersFromTheLowestFreeNumber)
          {u"U0"_s, u"U2"_s, u"U10"_s, u"S0"_s},
          {{1, u"link to U2"_s}, {2, u"U0"_s}, {3, u"S0"_s}, {4, u"U10"_s}}},
         {{{2, u"gone"_s}}, {u"U0"_s, u"U2"_s}, {{1, u"U0"_s}, {2, u"gone"_s}, {3, u"U2"_s}}},
+        {{{3, u"S0"_s}},
+         {u"S0"_s, u"U1"_s, u"U2"_s},
+         {{2, u"U1"_s}, {3, u"S0"_s}, {4, u"U2"_s}},
+         {{1, u"U0"_s}, {2, u"U1"_s}, {3, u"U2"_s}}},
     };
     const auto realPath = [](const QString& path) {
         return path == u"link to U2"_s ? u"U2"_s : path;
     };
     for (const Row& row : rows)
-        EXPECT_EQ(numberPorts(row.pinned, row.devices, realPath), row.expected);
+        EXPECT_EQ(numberPorts(row.pinned, row.devices, realPath, row.given), row.expected);
 }
 
 TEST(PortNames, ReadsPortListsAndLeavesOutWhatItDoesNotUnderstand)
@@ -87,6 +93,26 @@ TEST(PortListing, ListsTheEnvironmentsPortsOrElseThePinnedAndFoundOnes)
     EXPECT_EQ(ports.devicePath(203), QString());
     qputenv("RV4100_FLDC_PORTS", "");
     EXPECT_EQ(ports.ports(), Ports());
+    qunsetenv("RV4100_FLDC_PORTS");
+}
+
+TEST(PortListing, TellsWhenADeviceComesOrGoes)
+{
+    const QTemporaryDir folder;
+    const PseudoTerminal far;
+    const QString link = folder.filePath(u"made/later"_s);
+    const SettingsFile settings(u"/no/such/settings"_s);
+    PortListing ports(settings);
+    qputenv("RV4100_FLDC_PORTS", "COM2=" + link.toLocal8Bit());
+    int told = 0;
+    const auto watch = ports.watch([&told] { ++told; });
+    QDir(folder.path()).mkdir(u"made"_s);
+    QFile::link(far.path(), link);
+    EXPECT_TRUE(waitUntil([&] { return told == 1; }));
+    EXPECT_EQ(ports.details().value(0).obstacle, QString());
+    QFile::remove(link);
+    EXPECT_TRUE(waitUntil([&] { return told == 2; }));
+    EXPECT_EQ(ports.details().value(0).obstacle, u"no adapter"_s);
     qunsetenv("RV4100_FLDC_PORTS");
 }
 

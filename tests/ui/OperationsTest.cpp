@@ -3,6 +3,7 @@
 #include "shared/LastError.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDragEnterEvent>
 #include <QMimeData>
 #include <QTest>
@@ -114,6 +115,64 @@ TEST_F(OperationsTest, APortThatHasBecomeFreeIsUsedUnderItsOldEntry)
     dialogs.answers.emplace_back(std::nullopt);
     click("cmdDownload");
     EXPECT_EQ(status(), QStringLiteral("File selection cancelled"));
+}
+
+TEST_F(OperationsTest, PlugEventsChangeTheListAndNothingElse)
+{
+    start();
+    QCoreApplication::processEvents();
+    window.lock()->selectPort(1);
+    window.lock()->setStatusPanelStatus(QStringLiteral("kept"));
+    auto* box = control<QComboBox>("cboPort");
+    const auto plug = [&](const char* names, const char* expected) {
+        machine.ports.names = QString::fromLatin1(names).split(u' ', Qt::SkipEmptyParts);
+        machine.ports.plugEvent();
+        QStringList entries;
+        for (int i = 0; i < box->count(); ++i)
+            entries.append(box->itemText(i));
+        EXPECT_EQ(entries.join(u'|'), QString::fromLatin1(expected));
+    };
+    machine.ports.obstacle = QStringLiteral("in use by x");
+    machine.ports.unavailable.insert(QStringLiteral("COM8:"));
+    const std::pair<const char*, const char*> rows[]{
+        {"COM1: COM7: COM8:", "COM1:|COM7:|COM8: (unavailable)"},
+        {"COM1:", "COM1:|COM7: (unavailable)"},
+        {"", "COM7: (unavailable)"},
+        {"COM3: COM7: COM8:", "COM3:|COM7:|COM8: (unavailable)"},
+    };
+    for (const auto& [names, entries] : rows) {
+        plug(names, entries);
+        EXPECT_EQ(box->currentText().left(5), QStringLiteral("COM7:"));
+        EXPECT_EQ(box->currentIndex(), window.lock()->portIndex());
+        EXPECT_EQ(status(), QStringLiteral("kept")) << "SetPort would say Ready";
+    }
+    EXPECT_EQ(box->toolTip(), QStringLiteral("COM7:\nAdapter\nSerial number S1\n7"));
+    EXPECT_EQ(box->itemData(2, Qt::ToolTipRole).toString(),
+              QStringLiteral("Adapter\nSerial number S1\n8\nIn use by x. Remedy."));
+    play({logOn, askForReport});
+    machine.time.after(1s, [&] { plug("COM7:", rows[3].second); });
+    click("cmdConfig");
+    EXPECT_EQ(box->count(), 1) << "read at the end of the operation";
+    machine.ports.unavailable.insert(QStringLiteral("COM7:"));
+    click("cmdDownload");
+    EXPECT_EQ(control<QLabel>("noticeHeadline")->text(),
+              QStringLiteral("Nothing was sent (error 12): COM7: in use by x."));
+}
+
+TEST_F(OperationsTest, TheFirstPortOfAMachineThatHadNoneIsUsedWhenAButtonIsPressed)
+{
+    machine.ports.names.clear();
+    start();
+    EXPECT_EQ(status(), QStringLiteral("Error 5 - no serial port: plug in the adapter"));
+    click("cmdConfig");
+    EXPECT_EQ(control<QLabel>("noticeNext")->text(), QStringLiteral("Plug in the adapter."));
+    machine.ports.names = {QStringLiteral("COM4:")};
+    machine.ports.plugEvent();
+    EXPECT_EQ(control<QComboBox>("cboPort")->currentText(), QStringLiteral("COM4:"));
+    play({logOn, askForReport, answerReport, restart});
+    click("cmdConfig");
+    EXPECT_EQ(machine.line().commPort(), 4);
+    EXPECT_EQ(status(), QStringLiteral("Configuration successfully read"));
 }
 
 TEST_F(OperationsTest, DroppedFilesAreDownloaded)
