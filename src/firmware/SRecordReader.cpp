@@ -46,8 +46,7 @@ std::optional<NotValid> SRecordReader::read(const QString& path)
     TextLines lines({});
     bool valid = false;
     try {
-        const auto content =
-            m_files.readInPieces(path, [this] { return goesOn(m_pace, 0); });
+        const auto content = m_files.readInPieces(path, [this] { return goesOn(m_pace, 0); });
         if (m_hashes)
             m_hash = {sha256Of(content->bytes(), m_pace),
                       static_cast<qint64>(content->bytes().size())};

@@ -32,9 +32,8 @@ public:
     /// How much of the text is behind, from 0 to 1.
     [[nodiscard]] double share() const
     {
-        return m_size == 0
-                   ? 1
-                   : 1 - static_cast<double>(m_rest.size()) / static_cast<double>(m_size);
+        return m_size == 0 ? 1
+                           : 1 - static_cast<double>(m_rest.size()) / static_cast<double>(m_size);
     }
     /// Makes the next @p length bytes the present line. They hold no line end, and a line end or
     /// the end of the text follows them.

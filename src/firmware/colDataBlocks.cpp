@@ -60,8 +60,7 @@ QByteArray standardStream(const QByteArray& data, const Pace& pace)
     stream.avail_out = static_cast<uInt>(packed.size());
     int result = Z_OK;
     for (qsizetype at = 0; result == Z_OK && at < data.size(); at += sliceSize) {
-        if (at != 0 &&
-            !goesOn(pace, static_cast<double>(at) / static_cast<double>(data.size())))
+        if (at != 0 && !goesOn(pace, static_cast<double>(at) / static_cast<double>(data.size())))
             return {};
         const qsizetype size = std::min(sliceSize, data.size() - at);
         stream.next_in = reinterpret_cast<z_const Bytef*>(const_cast<char*>(data.constData())) + at;

@@ -13,8 +13,8 @@ namespace fldc {
 ///
 /// A name means a device only at the moment when it is asked for: adapters come and go. As long as
 /// the program lives, a number that is not pinned in the settings belongs to the path that got it
-/// first, also while nothing is there. Who opens a port keeps the device path that it found, so that
-/// a line in use stays that of the radio that was chosen (SerialControl.h).
+/// first, also while nothing is there. Who opens a port keeps the device path that it found, so
+/// that a line in use stays that of the radio that was chosen (SerialControl.h).
 class IPortListing {
 public:
     virtual ~IPortListing() = default;

@@ -13,7 +13,7 @@ constexpr QStringView namePrefix = u"COM";
 QString entryOf(const IPortListing::Port& port)
 {
     return port.available || port.heldHere ? port.name.trimmed()
-                          : port.name.trimmed() + QStringLiteral(" (unavailable)");
+                                           : port.name.trimmed() + QStringLiteral(" (unavailable)");
 }
 
 } // namespace

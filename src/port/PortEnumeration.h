@@ -10,7 +10,8 @@ namespace fldc {
 class IPortListing;
 
 // Port entry text: the port's name with its colon ("COM1:"), followed by " (unavailable)" when it
-// can't be opened at this moment, unless it is this program that uses it. Both functions look; neither opens a port.
+// can't be opened at this moment, unless it is this program that uses it. Both functions look;
+// neither opens a port.
 
 /// Fills @p entries with the machine's COM ports in listing order and returns their number. With
 /// none, or when the machine can't be asked, the result is 0 and the list holds "No available

@@ -210,8 +210,7 @@ void frmDownload::showPorts()
     cboPort->lineEdit()->setCursorPosition(0);
     // The box may be too narrow for its text.
     const QString tip = m_window->portTip(m_window->portText());
-    cboPort->setToolTip(tip.isEmpty() ? m_window->portText()
-                                      : m_window->portText() + u'\n' + tip);
+    cboPort->setToolTip(tip.isEmpty() ? m_window->portText() : m_window->portText() + u'\n' + tip);
 }
 
 void frmDownload::showBaudRate()

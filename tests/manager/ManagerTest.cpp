@@ -138,7 +138,8 @@ TEST_F(ManagerTest, WithoutAnyPortOperationsFailButDoNotCrash)
 {
     machine.ports.names.clear();
     create();
-    EXPECT_EQ(lastErrorText(), QStringLiteral("9011 Error 5 - no serial port: plug in the adapter"));
+    EXPECT_EQ(lastErrorText(),
+              QStringLiteral("9011 Error 5 - no serial port: plug in the adapter"));
     EXPECT_EQ(manager->SetPort(QStringLiteral("3"), false), 9011);
     EXPECT_EQ(status(), QStringLiteral("Error 5 - no serial port: plug in the adapter"));
     QString text;

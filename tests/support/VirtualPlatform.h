@@ -41,7 +41,7 @@ public:
     QStringList names{QStringLiteral("COM1:"), QStringLiteral("COM7:")};
     std::set<QString> unavailable;
     bool broken = false;
-    QString obstacle;               ///< of all that are unavailable
+    QString obstacle;                ///< of all that are unavailable
     std::function<void()> plugEvent; ///< while somebody watches
 
     [[nodiscard]] QList<Details> details() override

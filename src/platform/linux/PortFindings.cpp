@@ -56,20 +56,19 @@ PortFinding permissionFinding(const DeviceFacts& facts)
 void findUsers(const DeviceFacts& facts, std::vector<PortFinding>& findings)
 {
     for (const Process& owner : facts.lockOwners)
-        findings.push_back({false, u"It is locked by %1."_s.arg(userText(owner)),
-                          u"End that program."_s});
+        findings.push_back(
+            {false, u"It is locked by %1."_s.arg(userText(owner)), u"End that program."_s});
     for (const Holder& holder : facts.holders) {
         if (!holder.isFarEnd && !facts.lockOwners.contains(holder.process))
-            findings.push_back({false,
-                              u"It is open in %1."_s.arg(userText(holder.process)),
-                              u"End that program."_s});
+            findings.push_back({false, u"It is open in %1."_s.arg(userText(holder.process)),
+                                u"End that program."_s});
     }
     if (facts.lockOwners.isEmpty() && facts.holders.isEmpty())
         findings.push_back({true,
-                          facts.holdersComplete
-                              ? u"No program uses it."_s
-                              : u"No program is seen to use it; other users' can't be seen."_s,
-                          {}});
+                            facts.holdersComplete
+                                ? u"No program uses it."_s
+                                : u"No program is seen to use it; other users' can't be seen."_s,
+                            {}});
 }
 
 void findServices(const DeviceFacts& facts, std::vector<PortFinding>& findings)
@@ -82,8 +81,9 @@ void findServices(const DeviceFacts& facts, std::vector<PortFinding>& findings)
         const QString finding = holds    ? u"%1 runs and holds the device."_s
                                 : leaves ? u"%1 runs and is told to leave the device alone."_s
                                          : u"%1 runs and is not known to leave the device alone."_s;
-        findings.push_back({!holds && leaves, finding.arg(service.name),
-                          !holds && leaves ? QString() : u"Stop it, or tell it by a udev rule."_s});
+        findings.push_back(
+            {!holds && leaves, finding.arg(service.name),
+             !holds && leaves ? QString() : u"Stop it, or tell it by a udev rule."_s});
     }
 }
 

@@ -162,7 +162,11 @@ IPortListing::Details DownloadWindow::chosenPort() const
             all, [number](const auto& each) { return PortNumber(each.name) == number; });
         return port == all.end() ? IPortListing::Details{m_portText, {}, {}, {}, {}, {}} : *port;
     } catch (const PlatformFailure&) {
-        return {{}, {}, {}, {}, QStringLiteral("no serial port"),
+        return {{},
+                {},
+                {},
+                {},
+                QStringLiteral("no serial port"),
                 QStringLiteral("Plug in the adapter.")};
     }
 }

@@ -21,8 +21,7 @@ IPortListing::Port entryOf(int number, const QString& path, DeviceInspector& ins
 {
     const bool remote = isRemote(path);
     const bool available = mayBeTried(path, inspector);
-    return {portName(number), available,
-            !available && !remote && inspector.isHeldHere(path)};
+    return {portName(number), available, !available && !remote && inspector.isHeldHere(path)};
 }
 
 IPortListing::Details detailsOf(int number, const QString& path, DeviceInspector& inspector)
@@ -31,8 +30,9 @@ IPortListing::Details detailsOf(int number, const QString& path, DeviceInspector
         return {portName(number), QStringLiteral("Line of another machine"), {}, path, {}, {}};
     const DeviceFacts facts = inspector.facts(path);
     const PortObstacle obstacle = portObstacle(facts).value_or(PortObstacle());
-    return {portName(number), facts.hardware.description, facts.hardware.serial, path,
-            obstacle.what,    obstacle.remedy};
+    return {portName(number),      facts.hardware.description,
+            facts.hardware.serial, path,
+            obstacle.what,         obstacle.remedy};
 }
 
 } // namespace

@@ -50,7 +50,7 @@ struct ImageNote {
 struct Run {
     std::optional<session::Operation> operation; ///< none: files were only loaded
     Phase phase = Phase::Idle;
-    int percentRead = 0; ///< of the files that are loaded
+    int percentRead = 0;               ///< of the files that are loaded
     std::chrono::microseconds begun{}; ///< on the platform's monotonic clock
     std::chrono::microseconds phaseBegun{};
     std::chrono::microseconds ended{};
