@@ -13,6 +13,9 @@ import tempfile
 import time
 import unittest
 
+sys.path.append(str(pathlib.Path(__file__).resolve().parent.parent / "end_to_end"))
+from postgresql import SERVER, PostgreSql  # noqa: E402
+
 PROGRAM, SIMULATOR, SAMPLES = (pathlib.Path(path) for path in sys.argv[1:4])
 PAGE = pathlib.Path(sys.argv[4])
 APPLICATION = SAMPLES / "rv4200/application.srec"
@@ -108,7 +111,9 @@ class Gang(unittest.TestCase):
             self.assertEqual((self.lines(run)[-1]["exit"], run.wait()), (1, 1), options)
 
     def test_the_page_about_a_workshop(self):
-        ports, settings, lines = [], ["[Ports]"], []
+        database = self.enterContext(PostgreSql())
+        ports, lines = [], []
+        settings = [f"[General]\nHistory=postgresql://bench@/fldc?host={database.folder}\n[Ports]"]
         for number in range(1, 9):
             self.radio(f"r{number}")
             ports.append(f"COM{number}={self.folder}/r{number}")
@@ -125,15 +130,17 @@ class Gang(unittest.TestCase):
                                    self.folder / "ser2net.pid"], stderr=subprocess.DEVNULL)
         self.addCleanup(server.wait)
         self.addCleanup(server.kill)
-        path = f"{PROGRAM.resolve().parent}:{os.environ['PATH']}"
+        path = f"{PROGRAM.resolve().parent}:{SERVER}:{os.environ['PATH']}"
         for commands in re.findall(r"```sh\n(.*?)```", PAGE.read_text(), re.DOTALL):
             run = subprocess.run(["sh", "-e", "-c", commands], cwd=self.folder, capture_output=True, timeout=120, text=True,
                                  check=False, env=os.environ | {
                                      "PATH": path, "FIRMWARE": str(APPLICATION), "RV4100_FLDC_PORTS": ";".join(ports),
-                                     "RV4100_FLDC_HOME": str(SAMPLES / "boot"),
+                                     "RV4100_FLDC_HOME": str(SAMPLES / "boot"), "PGHOST": str(database.folder),
+                                     "PGUSER": "fldc", "XDG_DATA_HOME": str(self.folder / "data"),
                                      "RV4100_FLDC_SETTINGS": str(self.folder / "settings.conf")})
             self.assertEqual(run.returncode, 0, commands + run.stdout + run.stderr)
         self.assertEqual(len(list((self.folder / "certificates").iterdir())), 11)
+        self.assertIn("13 records.", run.stdout)  # those from before there was a database, too
 
 
 if __name__ == "__main__":
