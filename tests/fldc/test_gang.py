@@ -1,15 +1,19 @@
 #!/usr/bin/env python3
 """fldc gang with several simulated radios. Called with the paths of fldc, the simulator and the samples."""
 
+import fcntl
 import json
 import os
 import pathlib
+import pty
 import re
 import signal
 import socket
+import struct
 import subprocess
 import sys
 import tempfile
+import termios
 import time
 import unittest
 
@@ -101,6 +105,33 @@ class Gang(unittest.TestCase):
                 else:
                     run.stdout.close()  # also when nothing is left to tell
                 self.assertEqual(run.wait(60), code)
+
+    def test_a_radio_is_completed_when_the_reader_goes_before_the_gang_has_heard_of_the_erase(self):
+        for name in ("a", "b"):
+            self.radio(name, "--fault", "busy@33=30/100")  # erases for 3 s
+        run = self.gang("a", "b", options=("--certificate", self.folder / "out"))
+        self.lines(run, lambda line: line["type"] == "radio")
+        run.send_signal(signal.SIGSTOP)
+        time.sleep(1.5)  # the units go on; what they tell waits
+        run.stdout.close()
+        run.send_signal(signal.SIGCONT)
+        self.assertEqual(run.wait(60), 141)
+        left = {json.loads(each.read_text())["result"]["radio"] for each in (self.folder / "out").iterdir()}
+        self.assertFalse(left & {"unlocked", "erased", "partly-written", "written"}, left)
+
+    def test_all_ports_and_a_low_terminal(self):
+        """Remote lines count as free, each once; what has no room on the board is named."""
+        ports = ";".join(f"COM{i}=rfc2217://127.0.0.1:{i // 2}" for i in range(2, 12)) + ";COM1=/dev/nowhere"
+        master, slave = pty.openpty()
+        fcntl.ioctl(slave, termios.TIOCSWINSZ, struct.pack("HHHH", 5, 120, 0, 0))
+        with open(slave, "wb") as terminal, open(master, "rb", buffering=0) as screen:
+            run = subprocess.Popen([PROGRAM, "gang", APPLICATION, "--all"], stdout=subprocess.PIPE, stderr=terminal, text=True,
+                                   env=os.environ | {"RV4100_FLDC_PORTS": ports, "TERM": "xterm"})
+            told = run.communicate(timeout=60)[0]
+            self.assertEqual(run.returncode, 4)
+            drawn = screen.read(1 << 16).decode()
+        self.assertEqual(set(re.findall(r"(?m)^(\S+) .*FAILED", told)), {f"COM{i}" for i in range(2, 12, 2)}, told)
+        self.assertIn("not shown: 4 failed (COM2 COM4 COM6 COM8)", drawn)
 
     def test_what_can_not_be_meant(self):
         self.radio("a")

@@ -12,11 +12,14 @@ namespace fldc::cli {
 struct GangCounts {
     int passed = 0;
     int failed = 0;
+    int unheard = 0; ///< left when standard output went away
 };
 
-/// The lines of the board: one per port, and the totals.
+/// The lines of the board: one per port, and the totals. Where @p rows don't do for that, ports are
+/// left out, those first that have passed, then failed ones, then those that wait, and the last
+/// line names them.
 [[nodiscard]] std::vector<BoardLine> boardOf(const std::vector<std::unique_ptr<Unit>>& units,
-                                             const GangCounts& counts);
+                                             const GangCounts& counts, std::size_t rows);
 
 /// The line of a unit that has ended.
 [[nodiscard]] BoardLine resultLine(const Unit& unit);

@@ -56,8 +56,7 @@ Gang::Gang(Context& context, std::vector<NamedPort> ports)
             std::move(port),
             Unit::Surroundings{
                 [this](const QString& type, const QJsonObject& object) { tell(type, object); },
-                [this](const Unit& unit) { ended(unit); },
-                [this] { m_context.outputLoss.eraseBegins(); }}));
+                [this](const Unit& unit) { ended(unit); }}));
 }
 
 Gang::~Gang()
@@ -76,10 +75,8 @@ Outcome Gang::run()
     if (m_context.options.repeat)
         m_lookTimer = m_context.platform.timers.start(lookInterval, [this] { look(); });
     while (!isDone()) {
-        if (m_context.wantsEnd() && !m_isEnding)
-            endAll();
-        else
-            startWhatIsDue();
+        endWhatIsToEnd();
+        startWhatIsDue();
         if (!isDone())
             m_context.platform.events.waitForEvents();
     }
@@ -169,10 +166,10 @@ void Gang::tell(const QString& type, const QJsonObject& object)
 
 void Gang::ended(const Unit& unit)
 {
-    UnitResult result = *unit.result();
-    if (m_context.signal() == 0 && result.exit == Exit::Terminated)
-        result.exit = Exit::OutputLost; // this program has ended it, because of that
-    ++(result.passed() ? m_counts.passed : m_counts.failed);
+    const UnitResult& result = *unit.result();
+    ++(result.passed()                   ? m_counts.passed
+       : result.exit == Exit::OutputLost ? m_counts.unheard
+                                         : m_counts.failed);
     if (!m_foremost || foremost(m_foremost->exit, result.exit) != m_foremost->exit) {
         m_foremost = result;
         m_foremostPort = unit.port().name;
@@ -223,16 +220,28 @@ void Gang::probed(std::size_t index, const ChildProcess::Ended& outcome)
 void Gang::showBoard()
 {
     if (!m_context.output.isJson())
-        m_context.output.terminal().showBoard(boardOf(m_units, m_counts));
+        m_context.output.terminal().showBoard(
+            boardOf(m_units, m_counts, m_context.output.terminal().boardRows()));
 }
 
-// Each ends in order and tells its result.
-void Gang::endAll()
+void Gang::endWhatIsToEnd()
 {
-    m_isEnding = true;
-    const int signal = m_context.signal() == 0 ? SIGTERM : m_context.signal();
-    for (const auto& unit : m_units)
-        unit->askToEnd(signal);
+    const int signal = m_context.signal();
+    if (signal != 0 && !std::exchange(m_isEnding, true)) {
+        // Each ends in order and tells its result.
+        for (const auto& unit : m_units)
+            unit->askToEnd(signal);
+        endProbes(signal);
+    }
+    if (m_context.outputLoss.isLost() && !std::exchange(m_isLeft, true)) {
+        for (const auto& unit : m_units)
+            unit->leave();
+        endProbes(SIGTERM);
+    }
+}
+
+void Gang::endProbes(int signal)
+{
     for (const Place& place : m_places) {
         if (place.probe)
             place.probe->askToEnd(signal);
@@ -255,6 +264,8 @@ Outcome Gang::outcome() const
 {
     Outcome outcome;
     outcome.message = u"%1 units passed, %2 failed."_s.arg(m_counts.passed).arg(m_counts.failed);
+    if (m_counts.unheard > 0)
+        outcome.message += u" Of %1 nobody heard the end."_s.arg(m_counts.unheard);
     const auto missing = std::ranges::count_if(m_places, &Place::isDue);
     if (m_foremost) {
         outcome.exit = m_foremost->exit;

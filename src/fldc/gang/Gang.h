@@ -55,7 +55,8 @@ private:
     void probe(std::size_t index);
     void probed(std::size_t index, const ChildProcess::Ended& outcome);
     void showBoard();
-    void endAll();
+    void endWhatIsToEnd();
+    void endProbes(int signal);
     [[nodiscard]] bool isDone() const;
     [[nodiscard]] Outcome outcome() const;
     [[nodiscard]] QStringList argumentsOf(const QString& port, const QString& label) const;
@@ -69,7 +70,8 @@ private:
     std::deque<QString> m_labels; ///< read, not given to a unit yet
     bool m_hasPrompted = false;
     bool m_noMoreLabels = false;
-    bool m_isEnding = false;
+    bool m_isEnding = false; ///< by a signal
+    bool m_isLeft = false;   ///< nobody hears of it any more
     std::unique_ptr<StandardInput> m_input;
     int m_boardTimer = 0;
     int m_lookTimer = 0;

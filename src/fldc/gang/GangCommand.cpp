@@ -3,6 +3,7 @@
 #include "fldc/gang/Gang.h"
 #include "fldc/options/Options.h"
 #include "fldc/output/Output.h"
+#include "platform/RemoteAddress.h"
 #include "platform/linux/DeviceFacts.h"
 #include "platform/qt/SettingsFile.h"
 #include "platform/qt/serial/PortListing.h"
@@ -17,16 +18,32 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+// Numbered ports that are free, and all remote lines that have a number or a name: whether one of
+// these is free its server says when it is opened.
 std::vector<NamedPort> freePorts()
 {
     const SettingsFile settings(SettingsFile::defaultPath());
-    const PortMap devices = PortListing(settings).devices();
+    const PortListing listing(settings);
+    const PortMap devices = listing.devices();
+    const auto named = listing.namedLines();
     DeviceInspector inspector(LinuxSystem::thisMachine());
     std::vector<NamedPort> ports;
+    QStringList remote;
+    const auto addRemote = [&](const QString& name, const QString& line) {
+        if (remote.contains(line, Qt::CaseInsensitive))
+            return;
+        remote.append(line);
+        ports.push_back({name, line});
+    };
     for (auto each = devices.constBegin(); each != devices.constEnd(); ++each) {
-        if (inspector.facts(each.value()).state == PortState::Free)
-            ports.push_back({u"COM%1"_s.arg(each.key()), each.value()});
+        const QString name = u"COM%1"_s.arg(each.key());
+        if (isRemote(each.value()))
+            addRemote(name, each.value());
+        else if (inspector.state(each.value()) == PortState::Free)
+            ports.push_back({name, each.value()});
     }
+    for (auto each = named.constBegin(); each != named.constEnd(); ++each)
+        addRemote(each.key(), each.value());
     return ports;
 }
 

@@ -56,6 +56,7 @@ void Unit::start(const QStringList& arguments, const QString& label)
     m_progress = {u"starting"_s, 0, 0, {}};
     m_result.reset();
     m_mayHaveErased = false;
+    m_isLeft = false;
     m_hasStarted = false;
     m_hasLoggedOn = false;
     m_process =
@@ -68,6 +69,15 @@ void Unit::askToEnd(int signal)
 {
     if (m_process)
         m_process->askToEnd(signal);
+}
+
+void Unit::leave()
+{
+    if (!m_process)
+        return;
+    m_process->stopReading();
+    m_isLeft = true;
+    m_progress.step = u"not heard any more; ends by itself"_s;
 }
 
 void Unit::take(const QByteArray& line)
@@ -92,8 +102,7 @@ void Unit::follow(const QString& type, const QJsonObject& object)
         m_progress.step = step->text.toString();
     m_hasStarted = m_hasStarted || type == kind::started.name;
     m_hasLoggedOn = m_hasLoggedOn || type == kind::radio.name;
-    if (type == kind::blocks.name && !std::exchange(m_mayHaveErased, true))
-        m_surroundings.eraseBegins();
+    m_mayHaveErased = m_mayHaveErased || type == kind::blocks.name;
     if (type == kind::progress.name) {
         const QJsonValue left = object["seconds_left"_L1];
         m_progress.step += u' ' + object["tag"_L1].toString();
@@ -128,9 +137,12 @@ void Unit::end(const ChildProcess::Ended& ended)
     m_surroundings.ended(*this);
 }
 
-// It was killed or has crashed: what nobody has said is taken for the worse.
+// It was killed, has crashed, or was left: what nobody has said is taken for the worse.
 UnitResult Unit::resultWithout(const ChildProcess::Ended& ended) const
 {
+    if (m_isLeft && !ended.crashed)
+        return {static_cast<Exit>(ended.exitCode), 0, u"Nobody heard the end of this unit."_s,
+                u"Its certificate and the history say what became of it."_s, u"reset"_s};
     const QString how = ended.failure.isEmpty() ? u"it was killed or has crashed"_s : ended.failure;
     UnitResult result{Exit::Unexpected, static_cast<int>(Code::RuntimeError),
                       u"The process of this unit ended without a result: "_s + how + u'.',

@@ -41,8 +41,6 @@ public:
         /// Hears every line of the process, with the port's name as its key `port`.
         std::function<void(const QString& type, const QJsonObject& object)> told;
         std::function<void(Unit& unit)> ended;
-        /// Something may be erased from now on.
-        std::function<void()> eraseBegins;
     };
 
     Unit(NamedPort port, Surroundings surroundings);
@@ -57,6 +55,9 @@ public:
     /// @p arguments: of `fldc --json`, the port included. @p label: the radio's name.
     void start(const QStringList& arguments, const QString& label);
     void askToEnd(int signal);
+    /// Hears its process no more, which then knows that nobody does: it ends before its first erase
+    /// and otherwise completes. Only the process itself knows which.
+    void leave();
 
 private:
     void take(const QByteArray& line);
@@ -69,6 +70,7 @@ private:
     QString m_label;
     UnitProgress m_progress;
     bool m_mayHaveErased = false;
+    bool m_isLeft = false;
     bool m_hasStarted = false; ///< its line may have been opened
     bool m_hasLoggedOn = false;
     std::optional<UnitResult> m_result;

@@ -94,7 +94,10 @@ void addGang(CLI::App& command, Options& options)
     CLI::Option* ports =
         command.add_option("--port", options.ports, portHelp)->type_name("PORT")->expected(1);
     ports->take_all();
-    command.add_flag("--all", options.allPorts, "All ports that are free")->excludes(ports);
+    command
+        .add_flag("--all", options.allPorts,
+                  "All ports that are free, and all remote lines of the settings")
+        ->excludes(ports);
     command.add_flag("--repeat", options.repeat,
                      "Start the next radio by itself when it is plugged in place of one that is "
                      "done; until it is ended");

@@ -58,7 +58,7 @@ void Terminal::showBoard(const std::vector<BoardLine>& lines)
     if (!m_isCapable || lines.empty())
         return;
     const winsize size = sizeOf(m_stream.descriptor());
-    const std::size_t shown = std::min(lines.size(), std::max<std::size_t>(size.ws_row, 3) - 2);
+    const std::size_t shown = std::min(lines.size(), boardRows());
     QString text = eraseBoard();
     for (std::size_t i = 0; i < shown; ++i) {
         const BoardLine& line = i + 1 == shown ? lines.back() : lines[i];
@@ -70,6 +70,11 @@ void Terminal::showBoard(const std::vector<BoardLine>& lines)
     }
     m_boardLines = shown;
     write(text);
+}
+
+std::size_t Terminal::boardRows() const
+{
+    return std::max<std::size_t>(sizeOf(m_stream.descriptor()).ws_row, 3) - 2;
 }
 
 QString Terminal::eraseBoard()

@@ -27,9 +27,10 @@ public:
     /// A line of its own.
     void note(const QString& text);
     void show(const Progress& progress);
-    /// Draws lines that stay below everything else, over the last ones; the last line always fits.
-    /// Nothing where they can't be drawn over.
+    /// Draws lines that stay below everything else, over the last ones; those beyond boardRows()
+    /// are left out, but for the last. Nothing where they can't be drawn over.
     void showBoard(const std::vector<BoardLine>& lines);
+    [[nodiscard]] std::size_t boardRows() const;
     /// Behind the last text: as OutputStream.
     bool finish(int wakeDescriptor, bool isEnding);
 

@@ -1,26 +1,46 @@
 #include "platform/qt/ChildProcess.h"
 
+#include "platform/PlatformFailure.h"
+
 #include <array>
 #include <utility>
 
 #include <csignal>
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace fldc {
+
+namespace {
+
+// Hands the whole lines of @p text to @p onLine and keeps the rest.
+void takeLines(QByteArray& text, const std::function<void(const QByteArray&)>& onLine)
+{
+    for (qsizetype end = text.indexOf('\n'); end >= 0; end = text.indexOf('\n')) {
+        const QByteArray line = text.first(end + 1);
+        text.remove(0, end + 1);
+        onLine(line);
+    }
+}
+
+} // namespace
 
 ChildProcess::ChildProcess(std::function<void(const QByteArray&)> onLine,
                            std::function<void(const Ended&)> onEnd)
     : m_onLine(std::move(onLine)), m_onEnd(std::move(onEnd))
 {
     m_process.setStandardInputFile(QProcess::nullDevice());
+    m_process.setStandardOutputFile(QProcess::nullDevice());
     m_process.setStandardErrorFile(QProcess::nullDevice());
-    m_process.setChildProcessModifier([] { ::setpgid(0, 0); });
-    QObject::connect(&m_process, &QProcess::readyReadStandardOutput, &m_process,
-                     [this] { readLines(); });
+    openPipe();
+    m_process.setChildProcessModifier([output = m_writeEnd.get()] {
+        ::setpgid(0, 0);
+        ::dup2(output, STDOUT_FILENO);
+    });
     QObject::connect(&m_process, &QProcess::finished, &m_process,
                      [this](int exitCode, QProcess::ExitStatus status) {
                          m_patience.stop();
-                         readLines();
+                         read(); // the rest
                          m_onEnd({exitCode, status == QProcess::CrashExit, {}});
                      });
     QObject::connect(&m_process, &QProcess::errorOccurred, &m_process,
@@ -46,7 +66,21 @@ ChildProcess::~ChildProcess()
 
 void ChildProcess::start(const QString& program, const QStringList& arguments)
 {
-    m_process.start(program, arguments, QProcess::ReadOnly);
+    m_process.start(program, arguments, QIODevice::NotOpen);
+    m_writeEnd.close();
+}
+
+void ChildProcess::openPipe()
+{
+    std::array<int, 2> ends{};
+    if (::pipe2(ends.data(), O_CLOEXEC) == -1)
+        throw PlatformFailure::fromErrno(errno, QStringLiteral("pipe"));
+    m_readEnd = FileDescriptor(ends[0]);
+    m_writeEnd = FileDescriptor(ends[1]);
+    (void)::fcntl(m_readEnd.get(), F_SETFL, O_NONBLOCK); // this end alone
+    m_notifier = std::make_unique<QSocketNotifier>(m_readEnd.get(), QSocketNotifier::Read);
+    QObject::connect(m_notifier.get(), &QSocketNotifier::activated, m_notifier.get(),
+                     [this] { read(); });
 }
 
 void ChildProcess::askToEnd(int number)
@@ -58,10 +92,25 @@ void ChildProcess::askToEnd(int number)
         m_patience.start(mostPatience);
 }
 
-void ChildProcess::readLines()
+void ChildProcess::stopReading()
 {
-    while (m_process.canReadLine())
-        m_onLine(m_process.readLine());
+    m_notifier->setEnabled(false);
+    m_readEnd.close();
+}
+
+void ChildProcess::read()
+{
+    std::array<char, 4096> buffer{};
+    while (m_readEnd.valid()) {
+        const ssize_t count =
+            uninterrupted([&] { return ::read(m_readEnd.get(), buffer.data(), buffer.size()); });
+        if (count == 0)
+            m_notifier->setEnabled(false);
+        if (count <= 0)
+            return;
+        m_rest.append(buffer.data(), count);
+        takeLines(m_rest, m_onLine);
+    }
 }
 
 StandardInput::StandardInput(std::function<void(const std::optional<QString>&)> onLine)
@@ -82,11 +131,8 @@ void StandardInput::read()
         return;
     }
     m_rest.append(buffer.data(), count);
-    for (qsizetype end = m_rest.indexOf('\n'); end >= 0; end = m_rest.indexOf('\n')) {
-        const QString line = QString::fromUtf8(m_rest.first(end)).trimmed();
-        m_rest.remove(0, end + 1);
-        m_onLine(line);
-    }
+    takeLines(m_rest,
+              [this](const QByteArray& line) { m_onLine(QString::fromUtf8(line).trimmed()); });
 }
 
 } // namespace fldc

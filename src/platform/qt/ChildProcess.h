@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/qt/FileDescriptor.h"
+
 #include <QByteArray>
 #include <QProcess>
 #include <QSocketNotifier>
@@ -9,6 +11,7 @@
 
 #include <chrono>
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace fldc {
@@ -39,11 +42,19 @@ public:
     /// Sends the signal @p number, and SIGKILL when the program is still there after mostPatience:
     /// one that hangs or is stopped holds nobody up.
     void askToEnd(int number);
+    /// Reads nothing more: what the program writes from now on fails, as into any pipe whose reader
+    /// has gone. It is not killed, however long it takes.
+    void stopReading();
 
 private:
-    void readLines();
+    void openPipe();
+    void read();
 
     QProcess m_process;
+    FileDescriptor m_readEnd; ///< not QProcess's own pipe, which stays open until the program ends
+    FileDescriptor m_writeEnd;
+    std::unique_ptr<QSocketNotifier> m_notifier;
+    QByteArray m_rest;
     QTimer m_patience;
     std::function<void(const QByteArray&)> m_onLine;
     std::function<void(const Ended&)> m_onEnd;

@@ -10,6 +10,8 @@ namespace fldc {
 
 namespace {
 
+constexpr const char* listVariable = "RV4100_FLDC_PORTS";
+
 // Of a remote line nothing can be seen: it may be tried.
 bool mayBeTried(const QString& path, DeviceInspector& inspector)
 {
@@ -91,10 +93,20 @@ QMap<QString, QString> PortListing::pinned() const
     return pins;
 }
 
+QMap<QString, QString> PortListing::namedLines() const
+{
+    if (qEnvironmentVariableIsSet(listVariable))
+        return {};
+    QMap<QString, QString> lines = pinned();
+    lines.removeIf(
+        [](const auto& pin) { return portNumber(pin.key()) != 0 || !remoteAddress(pin.value()); });
+    return lines;
+}
+
 PortMap PortListing::devices() const
 {
-    if (qEnvironmentVariableIsSet("RV4100_FLDC_PORTS"))
-        return parsePortList(qEnvironmentVariable("RV4100_FLDC_PORTS"));
+    if (qEnvironmentVariableIsSet(listVariable))
+        return parsePortList(qEnvironmentVariable(listVariable));
 
     PortMap numbered;
     const QMap<QString, QString> pins = pinned();

@@ -32,6 +32,9 @@ public:
     [[nodiscard]] PortMap devices() const;
     /// Everything in the section [Ports], whatever its name: the names that users gave to devices.
     [[nodiscard]] QMap<QString, QString> pinned() const;
+    /// Remote lines of that section that have a name instead of a number; none where
+    /// RV4100_FLDC_PORTS replaces the listing.
+    [[nodiscard]] QMap<QString, QString> namedLines() const;
     [[nodiscard]] const LinuxSystem& system() const { return m_system; }
 
 private:
