@@ -17,7 +17,7 @@ namespace fldc {
 namespace {
 
 // Of an entry that names a port.
-QString nameOf(const QString& entry)
+QString entryName(const QString& entry)
 {
     return entry.left(entry.indexOf(u':') + 1);
 }
@@ -108,7 +108,7 @@ void DownloadWindow::keepChosenPort()
     if (entry == m_ports.end()) {
         const auto behind = std::ranges::find_if(
             m_ports, [number](const QString& other) { return PortNumber(other) > number; });
-        entry = m_ports.insert(behind, nameOf(m_portText) + QStringLiteral(" (unavailable)"));
+        entry = m_ports.insert(behind, entryName(m_portText) + QStringLiteral(" (unavailable)"));
     }
     m_anyPort = true;
     m_portIndex = static_cast<int>(entry - m_ports.begin());
@@ -147,7 +147,7 @@ void DownloadWindow::describePorts()
 
 QString DownloadWindow::portTip(const QString& entry) const
 {
-    const auto port = std::ranges::find(m_details, nameOf(entry), &IPortListing::Details::name);
+    const auto port = std::ranges::find(m_details, entryName(entry), &IPortListing::Details::name);
     return port == m_details.end() ? QString() : tipOf(*port);
 }
 
