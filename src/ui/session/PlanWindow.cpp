@@ -23,8 +23,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr int wide = 90; // characters
-constexpr int high = 18; // lines
+constexpr int planWide = 90; // characters
+constexpr int planHigh = 18; // lines
 constexpr std::array columnShares{22, 16, 16, 36};
 
 QString summaryText(const std::vector<PlanRow>& rows)
@@ -78,7 +78,7 @@ PlanWindow::PlanWindow(IFileService& files, QWidget* owner)
     whole->addWidget(m_remarks);
     whole->addLayout(buttons);
     const int width = fontMetrics().averageCharWidth();
-    resize(width * wide, fontMetrics().lineSpacing() * high);
+    resize(width * planWide, fontMetrics().lineSpacing() * planHigh);
     for (int column = 0; column < m_list->columnCount() - 1; ++column)
         m_list->setColumnWidth(column, width * columnShares.at(static_cast<std::size_t>(column)));
 }

@@ -9,8 +9,8 @@ namespace fldc {
 
 namespace {
 
-constexpr int wide = 60; // characters
-constexpr int high = 14; // lines
+constexpr int textWide = 60; // characters
+constexpr int textHigh = 14; // lines
 
 } // namespace
 
@@ -38,7 +38,7 @@ TextWindow::TextWindow(const QString& title, const QString& text, QWidget* owner
     auto* whole = new QVBoxLayout(this);
     whole->addWidget(shown);
     whole->addLayout(buttons);
-    resize(fontMetrics().averageCharWidth() * wide, fontMetrics().lineSpacing() * high);
+    resize(fontMetrics().averageCharWidth() * textWide, fontMetrics().lineSpacing() * textHigh);
 }
 
 } // namespace fldc
