@@ -201,13 +201,14 @@ void frmDownload::showErasable()
 
 void frmDownload::showPorts()
 {
+    const int typing = cboPort->lineEdit()->cursorPosition();
     QStringList tips;
     for (const QString& entry : m_window->portEntries())
         tips.append(m_window->portTip(entry));
     // The toolkit keeps its own index when text is typed: what it holds may be the same number.
     cboPort->setEntries(m_window->portEntries(), tips, m_window->portIndex());
     cboPort->setEditText(m_window->portText());
-    cboPort->lineEdit()->setCursorPosition(0);
+    cboPort->lineEdit()->setCursorPosition(m_window->portIndex() < 0 ? typing : 0);
     // The box may be too narrow for its text.
     const QString tip = m_window->portTip(m_window->portText());
     cboPort->setToolTip(tip.isEmpty() ? m_window->portText() : m_window->portText() + u'\n' + tip);
