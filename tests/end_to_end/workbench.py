@@ -8,6 +8,18 @@ import subprocess
 import tempfile
 import time
 
+BUS_CLIENT = """
+import dbus, subprocess, sys, time
+service, bus, name = subprocess.Popen([sys.argv[1], "--automation"]), dbus.SessionBus(), "com.kelvane.RV4100_FLDC_EXE"
+while not bus.name_has_owner(name):
+    assert service.poll() is None
+    time.sleep(0.02)
+manager = dbus.Interface(bus.get_object(name, "/com/kelvane/RV4100_FLDC_EXE/clsDLManager"), name + "._clsDLManager")
+results = [manager.ReportConfigurations("", timeout=100)[0], manager.EraseSelected(sys.argv[2], "", timeout=100)[0]]
+service.terminate()
+sys.exit(results != [0, 0] or service.wait())
+"""
+
 
 class Workbench:
     """One simulated radio with a folder of its own: settings, boot files, logs, flash dump."""
@@ -66,6 +78,11 @@ class Workbench:
             run.kill()
             raise
         return run.returncode, out + err
+
+    def erase_over_the_bus(self, positions, **more):
+        """Reports and erases as a client of the session bus; 0 when both went through."""
+        return subprocess.run(["dbus-run-session", "--", "/usr/bin/python3", "-c", BUS_CLIENT, self.program, positions],
+                              env=self.environment(**more), stderr=subprocess.DEVNULL, timeout=120, check=False).returncode
 
     def log(self, name="0_Download.log"):
         path = self.folder / name

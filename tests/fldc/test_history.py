@@ -26,18 +26,6 @@ PROGRAM, SIMULATOR, SAMPLES = sys.argv[1], sys.argv[2], pathlib.Path(sys.argv[3]
 WINDOWED = sys.argv[4]
 APPLICATION, DSP = SAMPLES / "rv4200/application.srec", SAMPLES / "rv4200/dsp.srec"
 
-BUS_CLIENT = """
-import dbus, subprocess, sys, time
-service, bus, name = subprocess.Popen([sys.argv[1], "--automation"]), dbus.SessionBus(), "com.kelvane.RV4100_FLDC_EXE"
-while not bus.name_has_owner(name):
-    assert service.poll() is None
-    time.sleep(0.02)
-manager = dbus.Interface(bus.get_object(name, "/com/kelvane/RV4100_FLDC_EXE/clsDLManager"), name + "._clsDLManager")
-results = [manager.ReportConfigurations("", timeout=100)[0], manager.EraseSelected("5|", "", timeout=100)[0]]
-service.terminate()
-sys.exit(results != [0, 0] or service.wait())
-"""
-
 
 def certificate(unit, start, tag, exit_code=0, **more):
     family = tag.rsplit("-", 1)[0]
@@ -203,9 +191,7 @@ class History(unittest.TestCase):
             switches(f"History={store}")
             self.assertEqual(len(list(self.folder.glob("w/kelvane/fldc/spool/*/*.json"))), 1)
             self.server.start()
-            client = subprocess.run(["dbus-run-session", "--", sys.executable, "-c", BUS_CLIENT, WINDOWED], timeout=100,
-                                    stderr=subprocess.DEVNULL, env=bench.environment(XDG_DATA_HOME=str(self.folder / "w")))
-            self.assertEqual(client.returncode, 0)
+            self.assertEqual(bench.erase_over_the_bus("5|", XDG_DATA_HOME=str(self.folder / "w")), 0)
         deadline = time.monotonic() + 60
         while len(rows := self.ask("list", store=store)[0]) < 2 and time.monotonic() < deadline:
             time.sleep(0.1)

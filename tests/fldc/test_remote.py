@@ -237,11 +237,17 @@ class Runs(unittest.TestCase):
             self.assertEqual((run.returncode, result["radio"]), (130, "untouched"), out)
 
     def test_the_other_program_has_it_by_its_number(self):
+        """From switches and over the bus, as the settings name it."""
         with Depot(piece=100) as bench:
             bench.program = OTHER_PROGRAM
+            (bench.folder / "settings.conf").write_text(f"[General]\nDebug=True\n[Ports]\nCOM1={bench.line}\n")
+            bench.environment = lambda **more: {k: v for k, v in Depot.environment(bench, **more).items()
+                                                if k != "RV4100_FLDC_PORTS"}
             self.assertEqual(bench.download(APPLICATION)[0], 0)
             self.assertEqual(bench.outcome(), "Download successful")
+            self.assertEqual(bench.erase_over_the_bus("5|"), 0)
             self.assertFalse(lost_records(APPLICATION, bench.flash()[0]))
+            self.assertRegex((bench.folder / "flash.map").read_text(), "status=1 .*JHA2A-1.02")
 
 
 if __name__ == "__main__":
