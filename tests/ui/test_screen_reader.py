@@ -47,7 +47,7 @@ class Reader:
         except GLib.Error:
             pass  # it has gone meanwhile
 
-    def expect(self, *texts):
+    def hears(self, *texts, seconds=60):
         """Waits until all were told, in this order; other things may stand between."""
         def heard():
             while GLib.MainContext.default().iteration(False):
@@ -55,9 +55,12 @@ class Reader:
             told = iter(self.told)
             return all(any(text in line for line in told) for text in texts)
         try:
-            wait_for(texts, heard, 60)
+            return wait_for(texts, heard, seconds)
         except AssertionError:
-            raise AssertionError(f"told: {self.told}") from None
+            return False
+
+    def expect(self, *texts):
+        assert self.hears(*texts), (texts, self.told)
         self.told.clear()
 
 
@@ -95,11 +98,14 @@ def session(bench, desktop, program_window):
 
     desktop.key(program_window, "alt+r")
     reader.expect("Configuration successfully read", "Read in ")
-    desktop.click(program_window, LIST_X, LIST_Y + 4 * ROW)
-    reader.expect("checked: DSP, marked for erasure")
+    for _ in range(6):  # the list takes clicks again a moment after the notice
+        desktop.click(program_window, LIST_X, LIST_Y + 4 * ROW)
+        if reader.hears("checked: DSP, marked for erasure", seconds=5):
+            break
     checked = [part.get_name() for part in parts(window)
                if part.get_state_set().contains(Atspi.StateType.CHECKED)]
-    assert checked == ["DSP, marked for erasure"], checked
+    assert checked == ["DSP, marked for erasure"], (checked, reader.told)
+    reader.told.clear()
     desktop.key(program_window, "alt+e")
     reader.expect("Erasing flash...", "successfully erased", "Erased in ")
 
