@@ -3,8 +3,6 @@
 #include "certificate/JsonObject.h"
 #include "fldc/certificate/CertificateFolder.h"
 #include "fldc/output/ProgressView.h"
-#include "fldc/process/OutputLoss.h"
-#include "history/StoreAddress.h"
 #include "platform/PlatformFailure.h"
 
 #include <QDir>
@@ -66,29 +64,6 @@ TEST(JsonObject, RefusesKeysThatItsKindDoesNotHave)
     EXPECT_TRUE(jsonLine(kind::bootApplication, boot)
                     .startsWith("{\"bytes\":1,\"file\":\"a\xEF\xBF\xBD"
                                 "b\xF0\x9F\x98\x80\",\"time\":\"2"));
-}
-
-TEST(OutputLoss, CancelsOnlyBeforeTheFirstErase)
-{
-    OutputLoss early;
-    early.lost();
-    early.eraseBegins(); // the cancel is under way
-    EXPECT_TRUE(early.isLost() && early.wantsCancel());
-    OutputLoss late;
-    late.eraseBegins();
-    late.lost();
-    late.lost();
-    EXPECT_TRUE(late.isLost() && !late.wantsCancel());
-}
-
-TEST(StoreAddress, IsAPathOrAServerAndNothingElse)
-{
-    for (const QString& text :
-         {u"/a/b"_s, u"sqlite:a"_s, u"postgresql://h/d"_s, u"postgres://u:p@h:1/d"_s})
-        EXPECT_TRUE(history::readStoreAddress(text)) << qPrintable(text);
-    for (const QString& text : {QString(), u"a/b"_s, u"sqlite:"_s, u"postgresql://h:x/d"_s,
-                                QString(u"/a"_s + QChar(0) + u"b"_s)})
-        EXPECT_FALSE(history::readStoreAddress(text)) << qPrintable(text);
 }
 
 TEST(ProgressView, RedrawsALineOrPrintsOneForEveryTenPerCent)

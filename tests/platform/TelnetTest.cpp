@@ -85,18 +85,6 @@ TEST(Telnet, ReadsAStreamWhateverPiecesItComesIn)
     EXPECT_LT(taken[0].size(), 1000) << "a body without end must not fill the memory";
 }
 
-TEST(Telnet, WritesEveryByteSoThatItArrivesAsItself)
-{
-    QByteArray all;
-    for (int i = 0; i < 256; ++i)
-        all.append(static_cast<char>(i));
-    Notes notes;
-    telnet::Decoder().take(telnet::escaped(all), notes);
-    EXPECT_EQ(notes.taken(), QByteArrayList{"data " + all.toHex()});
-    EXPECT_EQ(telnet::escaped(bytes("ffaf00ff")), bytes("ffffaf00ffff"));
-    EXPECT_EQ(telnet::subnegotiation(44, bytes("0100ff0000")), bytes("fffa2c0100ffff0000fff0"));
-}
-
 TEST(Telnet, AgreesOnWhatALineNeedsAndRefusesTheRest)
 {
     struct Row {

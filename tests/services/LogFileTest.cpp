@@ -68,15 +68,6 @@ TEST_F(LogFileTest, EachOpeningAppendsAHeaderEntriesAndAFooter)
                              "******************************************\r\n");
 }
 
-TEST_F(LogFileTest, DoesNothingWhileLoggingIsDisabled)
-{
-    logState().enabled = false;
-    log().OpenLogFile(u"7"_s);
-    logDownload(u"text"_s);
-    log().CloseLogFile();
-    EXPECT_TRUE(machine.files.files.empty());
-}
-
 TEST_F(LogFileTest, ALogThatCannotBeOpenedIsShownOnceAndStaysClosed)
 {
     machine.files.unwritable.insert(path);

@@ -29,16 +29,6 @@ TEST(HexText, ReadsUpToEightSignificantDigitsAsTwosComplement)
 }
 // clang-format on
 
-TEST(HexText, WritesAndReadsBytes)
-{
-    EXPECT_EQ(bytesToHex(QByteArray("\x00\x0A\xAF\xFF", 4)), u"000AAFFF"_s);
-    EXPECT_EQ(hexToBytes(u"000aAFfF"), QByteArray("\x00\x0A\xAF\xFF", 4));
-    EXPECT_EQ(failureNumber([] { return hexToBytes(u"12A"); }), 5);
-    EXPECT_EQ(failureNumber([] { return hexToBytes(u"0G"); }), 13);
-    EXPECT_EQ(hexNumber(0xA, 4), u"000A"_s);
-    EXPECT_EQ(hexNumber(0x1A2B3, 4), u"A2B3"_s);
-}
-
 // clang-format off
 TEST(NumberText, ReadsWholeNumbersAndRoundsHalvesToEven)
 {

@@ -263,18 +263,6 @@ class CommandLine(unittest.TestCase):
         return subprocess.run([os.environ["RADIO_SIMULATOR"], *arguments], capture_output=True, text=True,
                               timeout=10, check=False)
 
-    def test_faults_that_make_no_sense(self):
-        for fault, why in (("falt@33=8104", "there is no fault 'falt'"), ("fault=8104", "needs an event"),
-                           ("fault@33", "needs a value"), ("fault@33=81", "four hexadecimal digits"),
-                           ("fault@333=8104", "not an event"), ("silent@33:0", "not a count"),
-                           ("silent@33:4-2", "not a count"), ("deaf=19201", "not a speed"),
-                           ("deaf@33=9600", "takes no event"), ("busy@33=0", "above 0"),
-                           ("reply@38=123", "two hexadecimal digits"), ("hangup@35=1", "takes no value")):
-            with self.subTest(fault):
-                result = self.run_simulator("--fault", fault)
-                self.assertEqual(result.returncode, 2)
-                self.assertIn(why, result.stderr)
-
     def test_link(self):
         with tempfile.TemporaryDirectory() as folder:
             link = os.path.join(folder, "radio")
