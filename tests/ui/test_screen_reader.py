@@ -7,7 +7,7 @@ import pathlib
 import shutil
 import subprocess
 import sys
-import time
+import tempfile
 
 sys.path.append(str(pathlib.Path(__file__).resolve().parent.parent / "end_to_end"))
 
@@ -17,8 +17,9 @@ from workbench import Workbench  # noqa: E402
 if os.environ.get("SCREEN_READER_TEST") != "started":  # on a bus of its own
     if MISSING or not shutil.which("dbus-run-session"):
         sys.exit(77)
-    environment = {**os.environ, "SCREEN_READER_TEST": "started", "NO_AT_BRIDGE": "1"}
-    sys.exit(subprocess.run(["dbus-run-session", "--", sys.executable, *sys.argv], env=environment).returncode)
+    with tempfile.TemporaryDirectory() as runtime:  # the bus of the screen readers has its socket there
+        environment = {**os.environ, "SCREEN_READER_TEST": "started", "XDG_RUNTIME_DIR": runtime}
+        sys.exit(subprocess.run(["dbus-run-session", "--", sys.executable, *sys.argv], env=environment).returncode)
 try:
     import gi
     gi.require_version("Atspi", "2.0")
@@ -88,8 +89,7 @@ def find_window():
                  if program is not None and program.get_name() == "rv4100_fldc" and program.get_child_count()), None)
 
 
-def session(bench, desktop, program_window):
-    reader = Reader()
+def session(reader, desktop, program_window):
     window = wait_for("the window", find_window)
     found = set(described(window))
     wanted = {"frame Kelvane Download Component (1.21.00.00) - Debug", "combo box Port COM1:",
@@ -119,10 +119,11 @@ def session(bench, desktop, program_window):
 
 def main():
     with Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200", FAULTS) as bench, Desktop() as desktop:
+        reader = Reader()  # before the program, which asks at its start what is listened for
         program = bench.start(DISPLAY=desktop.display, QT_QPA_PLATFORM="xcb", QT_LINUX_ACCESSIBILITY_ALWAYS_ON="1",
                               DBUS_SESSION_BUS_ADDRESS=os.environ["DBUS_SESSION_BUS_ADDRESS"])
         try:
-            session(bench, desktop, desktop.window("Kelvane Download Component"))
+            session(reader, desktop, desktop.window("Kelvane Download Component"))
         finally:
             program.kill()
             program.communicate()
