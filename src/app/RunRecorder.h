@@ -2,7 +2,6 @@
 
 #include "certificate/Certificate.h"
 #include "certificate/RunFacts.h"
-#include "history/StoreChoice.h"
 #include "session/Listener.h"
 #include "session/Narrator.h"
 

@@ -54,8 +54,8 @@ public:
     /// every chunk of an even length is even. Data that do not get smaller have no compressed copy
     /// (CompressedCount -1). Fails with 9 when Count is 0. Both ways of compression make a zlib
     /// stream (RFC 1950) with a window of at most 32 KiB; that of Zlib has the bytes that zlib's
-    /// compress() makes of the data in one call. @p pace is kept by Zlib alone, and more
-    /// than 4 MiB are never given to Best; who gives up gets no compressed copy.
+    /// compress() makes of the data in one call. @p pace is kept by Zlib alone, and more than 4 MiB
+    /// are never given to Best; who gives up gets no compressed copy.
     void CompressData(Compression compression = Compression::Zlib, const Pace& pace = {});
     /// The same without a compressed copy: the radio will be sent the plain bytes.
     void FinishUncompressed();

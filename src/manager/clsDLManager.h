@@ -77,8 +77,7 @@ public:
     /// Writes every loaded file into the radio. 37 when some were not written; their tags are then
     /// the detail text that FormatMessage(37) shows, and the last error is 0. Nothing is sent when
     /// a file of the list was refused (34), none could be loaded (the load's code), or the load was
-    /// cancelled (1). Without a
-    /// user @p strFilesToReport receives the report text read afterwards.
+    /// cancelled (1). Without a user @p strFilesToReport receives the report text read afterwards.
     std::int16_t DownLoad(QString& strFilesToReport);
     /// Restarts the radio on the port as it is.
     std::int32_t ResetRadio();
@@ -251,8 +250,8 @@ private:
     // Loading (clsDLManager_load.cpp)
     std::int16_t loadPaths(const QStringList& paths, bool rememberFirst);
     void loadSteps(Session& session, const QStringList& paths, bool rememberFirst);
-    void keepFiles(const std::shared_ptr<colFiles>& files, const QStringList& paths,
-                   const QHash<QString, ContentHash>& hashes);
+    void restoreFiles(const std::shared_ptr<colFiles>& files, const QStringList& paths,
+                      const QHash<QString, ContentHash>& hashes);
     QString readFile(const QString& path, const std::shared_ptr<colFiles>& files,
                      const Pace& pace = {});
     /// For the @p file th (from 0) of @p files files.

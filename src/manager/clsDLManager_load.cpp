@@ -77,7 +77,7 @@ void clsDLManager::loadSteps(Session& session, const QStringList& paths, bool re
             Q_EMIT FileNotLoaded(path, reason);
         if (m_cancellation->requested()) {
             lastError().set(Code::UserCancelled);
-            return keepFiles(filesBefore, pathsBefore, hashesBefore);
+            return restoreFiles(filesBefore, pathsBefore, hashesBefore);
         }
     }
     if (lastError().ok())
@@ -86,8 +86,8 @@ void clsDLManager::loadSteps(Session& session, const QStringList& paths, bool re
 
 // What a cancelled load has read can't stand for its list. The files before it stay to be seen; a
 // download writes neither (mayBeWritten).
-void clsDLManager::keepFiles(const std::shared_ptr<colFiles>& files, const QStringList& paths,
-                             const QHash<QString, ContentHash>& hashes)
+void clsDLManager::restoreFiles(const std::shared_ptr<colFiles>& files, const QStringList& paths,
+                                const QHash<QString, ContentHash>& hashes)
 {
     m_files->setHasRejected();
     if (!files)

@@ -18,7 +18,8 @@
 /// One operation tells, in this order, as far as it gets:
 ///
 ///     OperationStarted  [ErasureChosen]  LineOpened  StepTaken(Reset)  [PowerCycleRequired]
-///     LoggedOn [BootApplicationSent]  [SpeedAgreed]  ConfigurationsRead and per target written:
+///     LoggedOn  [BootApplicationSent]  [SpeedAgreed]  ConfigurationsRead
+///     and per target written:
 ///         TargetBegun  Unlock  BlocksDone  Erase  BlocksDone
 ///         {TableBegun  {Data  DataProgress}...}...  TargetWritten  Lock  BlocksDone
 ///     ConfigurationsRead  StepTaken(Restart)  OperationEnded

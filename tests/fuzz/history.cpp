@@ -63,8 +63,7 @@ void expect(const std::string& bytes)
 {
     cli::InputFile file;
     file.content = std::make_shared<Content>(bytes);
-    const auto components = cli::readExpectation(file);
-    if (components)
+    if (const auto components = cli::readExpectation(file))
         EXPECT_TRUE(cli::differences(*components, *components).empty());
 }
 
@@ -72,7 +71,7 @@ void expect(const std::string& bytes)
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    static auto store = std::make_unique<Store>(); // before the library's own objects at the end
+    static auto store = std::make_unique<Store>(); // goes before the library's own statics
     if (++store->used > 200)
         store = std::make_unique<Store>();
     const std::string bytes(reinterpret_cast<const char*>(data), size);
@@ -81,8 +80,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     EXPECT_TRUE(store->database.open());
     const QString text = QString::fromStdString(bytes.substr(0, 80));
     ask(*store, text);
-    const auto address = readStoreAddress(text);
-    if (address)
+    if (const auto address = readStoreAddress(text))
         EXPECT_FALSE(address->name().isNull());
     return 0;
 }

@@ -11,6 +11,7 @@
 #include <QTest>
 #include <QTreeWidget>
 
+#include <algorithm>
 #include <array>
 #include <map>
 

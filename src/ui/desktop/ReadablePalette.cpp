@@ -26,35 +26,6 @@ double luminanceOf(const QColor& colour)
            0.0722 * linear(colour.blueF());
 }
 
-} // namespace
-
-double contrastOf(const QColor& one, const QColor& other)
-{
-    const auto [dark, light] = std::minmax({luminanceOf(one), luminanceOf(other)});
-    return (light + 0.05) / (dark + 0.05);
-}
-
-ReadablePalette::ReadablePalette(QObject* parent) : QObject(parent)
-{
-    apply();
-    qApp->installEventFilter(this);
-}
-
-bool ReadablePalette::eventFilter(QObject* watched, QEvent* event)
-{
-    if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange)
-        apply();
-    return false;
-}
-
-void ReadablePalette::apply()
-{
-    const QPalette before = QApplication::palette();
-    const QPalette after = withReadableHighlight(before);
-    if (after != before)
-        QApplication::setPalette(after);
-}
-
 QPalette withReadableHighlight(QPalette palette)
 {
     for (const auto group : {QPalette::Active, QPalette::Inactive}) {
@@ -67,6 +38,35 @@ QPalette withReadableHighlight(QPalette palette)
         palette.setColor(group, QPalette::Highlight, highlight);
     }
     return palette;
+}
+
+void makeReadable()
+{
+    const QPalette before = QApplication::palette();
+    const QPalette after = withReadableHighlight(before);
+    if (after != before)
+        QApplication::setPalette(after);
+}
+
+} // namespace
+
+double contrastOf(const QColor& one, const QColor& other)
+{
+    const auto [dark, light] = std::minmax({luminanceOf(one), luminanceOf(other)});
+    return (light + 0.05) / (dark + 0.05);
+}
+
+ReadablePalette::ReadablePalette(QObject* parent) : QObject(parent)
+{
+    makeReadable();
+    qApp->installEventFilter(this);
+}
+
+bool ReadablePalette::eventFilter(QObject* watched, QEvent* event)
+{
+    if (watched == qApp && event->type() == QEvent::ApplicationPaletteChange)
+        makeReadable();
+    return false;
 }
 
 } // namespace fldc

@@ -162,12 +162,10 @@ IPortListing::Details DownloadWindow::chosenPort() const
             all, [number](const auto& each) { return PortNumber(each.name) == number; });
         return port == all.end() ? IPortListing::Details{m_portText, {}, {}, {}, {}, {}} : *port;
     } catch (const PlatformFailure&) {
-        return {{},
-                {},
-                {},
-                {},
-                QStringLiteral("no serial port"),
-                QStringLiteral("Plug in the adapter.")};
+        IPortListing::Details none;
+        none.obstacle = QStringLiteral("no serial port");
+        none.remedy = QStringLiteral("Plug in the adapter.");
+        return none;
     }
 }
 

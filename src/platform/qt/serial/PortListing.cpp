@@ -69,7 +69,7 @@ QString PortListing::devicePath(int number)
 QList<IPortListing::Details> PortListing::details()
 {
     PortMap known = devices();
-    if (!qEnvironmentVariableIsSet("RV4100_FLDC_PORTS")) {
+    if (!qEnvironmentVariableIsSet(listVariable)) {
         for (auto port = m_given.constBegin(); port != m_given.constEnd(); ++port)
             known.insert(port.key(), known.value(port.key(), port.value()));
     }

@@ -44,32 +44,29 @@ PortWatch::PortWatch(std::function<PortMap()> ports, const LinuxSystem& system,
                      [this] { callGuarded([this] { look(); }); });
     const PortMap present = m_ports();
     watchFolders(present);
-    m_picture = picture(present);
+    m_sights = sightsOf(present);
 }
 
 void PortWatch::look()
 {
     const PortMap present = m_ports();
     watchFolders(present);
-    if (const QStringList now = picture(present); std::exchange(m_picture, now) == now)
+    if (const auto now = sightsOf(present); std::exchange(m_sights, now) == now)
         return;
     const auto changed = m_changed;
     changed();
 }
 
-QStringList PortWatch::picture(const PortMap& ports) const
+std::vector<PortWatch::Sight> PortWatch::sightsOf(const PortMap& ports) const
 {
-    QStringList picture;
+    std::vector<Sight> sights;
+    sights.reserve(static_cast<std::size_t>(ports.size()));
     for (auto port = ports.constBegin(); port != ports.constEnd(); ++port) {
         const DeviceNode node = m_system.node(port.value());
-        picture.append(u"%1 %2 %3 %4 %5 %6"_s.arg(port.key())
-                           .arg(port.value())
-                           .arg(node.error)
-                           .arg(node.device)
-                           .arg(node.readable)
-                           .arg(node.writable));
+        sights.push_back(
+            {port.key(), port.value(), node.error, node.device, node.readable, node.writable});
     }
-    return picture;
+    return sights;
 }
 
 // New devices come in /dev; a link to one may stand elsewhere.

@@ -3,10 +3,12 @@
 #include "platform/qt/serial/PortNames.h"
 
 #include <QFileSystemWatcher>
-#include <QStringList>
 #include <QTimer>
 
 #include <functional>
+#include <vector>
+
+#include <sys/types.h>
 
 namespace fldc {
 
@@ -24,8 +26,19 @@ public:
               std::function<void()> changed);
 
 private:
+    /// What is seen of a port without opening it.
+    struct Sight {
+        int number;
+        QString path;
+        int error;
+        dev_t device;
+        bool readable;
+        bool writable;
+        friend bool operator==(const Sight&, const Sight&) = default;
+    };
+
     void look();
-    [[nodiscard]] QStringList picture(const PortMap& ports) const;
+    [[nodiscard]] std::vector<Sight> sightsOf(const PortMap& ports) const;
     void watchFolders(const PortMap& ports);
 
     std::function<PortMap()> m_ports;
@@ -33,7 +46,7 @@ private:
     std::function<void()> m_changed;
     QFileSystemWatcher m_folders;
     QTimer m_settled;
-    QStringList m_picture; ///< of the ports when they were last looked at
+    std::vector<Sight> m_sights; ///< when they were last looked at
 };
 
 } // namespace fldc
