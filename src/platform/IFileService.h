@@ -50,6 +50,12 @@ public:
     {
         return read(path);
     }
+    /// At most @p size bytes from position @p from on, as the file has them now; empty at its end.
+    [[nodiscard]] virtual QByteArray readPart(const QString& path, qint64 from, qint64 size)
+    {
+        const auto whole = read(path);
+        return QByteArrayView(whole->bytes()).toByteArray().mid(from, size);
+    }
     /// Local date of the last change.
     [[nodiscard]] virtual QDate lastModified(const QString& path) = 0;
     virtual void copy(const QString& from, const QString& to) = 0;

@@ -133,11 +133,16 @@ TEST_F(SessionTest, ThePlanSetsFilesAgainstTheReport)
     EXPECT_EQ(plan.front().component, QStringLiteral("Radio Application on RVKB1-1, NTID 5"));
     EXPECT_TRUE(plan.front().fits);
 
-    ChecksumScan scan(machine.files, {QStringLiteral("/fw\\a.srec"), QStringLiteral("/fw\\none")});
+    // Some pieces of the long file end within a line's end.
+    machine.files.files[QStringLiteral("/fw\\long")].content =
+        QByteArray("abc\r\n").repeated(300'000) + "S9030000FB";
+    ChecksumScan scan(machine.files, {QStringLiteral("/fw\\a.srec"), QStringLiteral("/fw\\none"),
+                                      QStringLiteral("/fw\\long")});
     while (scan.step()) {
     }
     EXPECT_TRUE(
-        scan.faults().contains(QStringLiteral("a.srec, line 5: the record's checksum is wrong")))
+        scan.faults().contains(QStringLiteral("a.srec, line 5: the record's checksum is wrong")) &&
+        scan.faults().contains(QStringLiteral("long, line 300001: the record's checksum is wrong")))
         << qPrintable(scan.faults().join(u'\n'));
 }
 

@@ -90,11 +90,11 @@ QString RecordFault::reason() const
     }
 }
 
-std::vector<RecordFault> checkRecords(std::span<const std::uint8_t> text)
+std::vector<RecordFault> checkRecords(TextLines& lines)
 {
     std::vector<RecordFault> faults;
     DecodedRecord record;
-    for (TextLines lines(text); lines.next();) {
+    while (lines.next()) {
         const QByteArrayView line = lines.line();
         if (!isRecord(line) || isRight(record, line))
             continue;

@@ -3,10 +3,11 @@
 #include <QString>
 
 #include <cstdint>
-#include <span>
 #include <vector>
 
 namespace fldc {
+
+class TextLines;
 
 /// An S-record that does not hold what its own count or checksum says.
 struct RecordFault {
@@ -25,9 +26,10 @@ struct RecordFault {
     [[nodiscard]] QString reason() const;
 };
 
-/// The faults of all S-records of a firmware file, in the order of its lines. A record's checksum
-/// is the ones' complement of the sum of its count, address and data bytes, modulo 256. For
-/// reports: reading a file looks at no checksum. Takes time and memory in proportion to the text.
-[[nodiscard]] std::vector<RecordFault> checkRecords(std::span<const std::uint8_t> text);
+/// The faults of the S-records in the lines that are left of a firmware file, in their order. A
+/// record's checksum is the ones' complement of the sum of its count, address and data bytes,
+/// modulo 256. For reports: reading a file looks at no checksum. Takes time in proportion to the
+/// text, memory to the faults.
+[[nodiscard]] std::vector<RecordFault> checkRecords(TextLines& lines);
 
 } // namespace fldc

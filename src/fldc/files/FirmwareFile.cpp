@@ -1,6 +1,7 @@
 #include "fldc/files/FirmwareFile.h"
 
 #include "firmware/SRecordReader.h"
+#include "firmware/TextLines.h"
 #include "firmware/check/RecordCheck.h"
 #include "fldc/files/InputFiles.h"
 #include "fldc/output/Messages.h"
@@ -44,7 +45,8 @@ std::optional<FileError> readingError(const InputFile& input, InputFiles& files,
 void addRecordErrors(std::vector<FileError>& errors, const InputFile& input)
 {
     const qint64 known = errors.empty() ? 0 : errors.front().line;
-    for (const RecordFault& fault : checkRecords(input.content->bytes())) {
+    TextLines lines(input.content->bytes());
+    for (const RecordFault& fault : checkRecords(lines)) {
         // Of other records than data nothing is used but the header's text, which the reader
         // judges; and it has said more of the line at which it stopped.
         if (fault.kind == RecordFault::Kind::Checksum || (fault.isData && fault.line != known))

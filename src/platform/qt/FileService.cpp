@@ -155,6 +155,18 @@ std::unique_ptr<IFileContent> FileService::readInPieces(const QString& path,
     return std::make_unique<FileContent>(openFile(path, O_RDONLY), path, goesOn);
 }
 
+QByteArray FileService::readPart(const QString& path, qint64 from, qint64 size)
+{
+    QFile file;
+    const FileDescriptor descriptor = openFile(path, O_RDONLY);
+    const bool there =
+        file.open(descriptor.get(), QIODevice::ReadOnly | QIODevice::Unbuffered) && file.seek(from);
+    const QByteArray part = there ? file.read(size) : QByteArray();
+    if (file.error() != QFileDevice::NoError)
+        throw PlatformFailure(EIO, path + QStringLiteral(": ") + file.errorString());
+    return part;
+}
+
 std::unique_ptr<IFileContent> FileService::readNative(const QByteArray& name, const QString& path)
 {
     return std::make_unique<FileContent>(openNamed(name, path, O_RDONLY), path);

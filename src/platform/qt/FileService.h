@@ -17,7 +17,8 @@ public:
     [[nodiscard]] std::unique_ptr<IFileContent> read(const QString& path) override;
     [[nodiscard]] std::unique_ptr<IFileContent>
     readInPieces(const QString& path, const std::function<bool()>& goesOn) override;
-    /// Likewise for a file by its name as the system has it, byte for byte: neither need that be
+    [[nodiscard]] QByteArray readPart(const QString& path, qint64 from, qint64 size) override;
+    /// Like read() for a file by its name as the system has it, byte for byte: neither need that be
     /// text, nor does `\` in it stand for anything else. @p path names it in failures.
     [[nodiscard]] static std::unique_ptr<IFileContent> readNative(const QByteArray& name,
                                                                   const QString& path);

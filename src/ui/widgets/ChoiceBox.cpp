@@ -1,5 +1,7 @@
 #include "ui/widgets/ChoiceBox.h"
 
+#include "ui/FittingFont.h"
+
 #include <QAbstractItemView>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -8,6 +10,12 @@
 #include <QWheelEvent>
 
 namespace fldc {
+
+namespace {
+
+constexpr int textMargin = 3; // pixels that a line of text keeps free at either end, and the cursor
+
+} // namespace
 
 // The toolkit would choose the entry that equals the typed text when the box loses the focus, and
 // complete what is typed.
@@ -21,6 +29,7 @@ ChoiceBox::ChoiceBox(QWidget* parent) : QComboBox(parent)
     setAcceptDrops(false);
     setFocusPolicy(Qt::StrongFocus); // not by the wheel
     lineEdit()->setFocusPolicy(Qt::StrongFocus);
+    connect(this, &QComboBox::editTextChanged, this, &ChoiceBox::fitText);
 }
 
 void ChoiceBox::setEntries(const QStringList& entries, const QStringList& tips, int chosen)
@@ -72,6 +81,25 @@ void ChoiceBox::wheelEvent(QWheelEvent* event)
         QComboBox::wheelEvent(event);
     else
         event->ignore();
+}
+
+void ChoiceBox::resizeEvent(QResizeEvent* event)
+{
+    QComboBox::resizeEvent(event);
+    fitText();
+}
+
+void ChoiceBox::changeEvent(QEvent* event)
+{
+    QComboBox::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        fitText();
+}
+
+void ChoiceBox::fitText()
+{
+    const int width = lineEdit()->contentsRect().width() - 2 * textMargin;
+    lineEdit()->setFont(fittingFont(font(), currentText(), width));
 }
 
 } // namespace fldc

@@ -7,7 +7,8 @@ namespace fldc {
 /// A box whose text can be chosen or typed; typed text is no chosen entry, also when it equals one.
 ///
 /// A key with Alt is never text (it may be meant for a button that is disabled at the moment), and
-/// the wheel changes nothing while the box has not the focus.
+/// the wheel changes nothing while the box has not the focus. Text too long for the box is drawn
+/// narrower.
 class ChoiceBox final : public QComboBox {
     Q_OBJECT
 
@@ -27,9 +28,12 @@ Q_SIGNALS:
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void wheelEvent(QWheelEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     void openList();
+    void fitText();
 };
 
 } // namespace fldc

@@ -1,5 +1,6 @@
 #include "ui/logic/session/WritePlan.h"
 
+#include "firmware/TextLines.h"
 #include "firmware/check/RecordCheck.h"
 #include "firmware/clsFile.h"
 #include "firmware/colFiles.h"
@@ -17,7 +18,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr std::size_t sliceBytes = std::size_t{256} * 1024;
+constexpr qint64 pieceBytes = 256 * 1024;
 constexpr qsizetype faultsShown = 20;
 
 QString fileName(const QString& path)
@@ -60,6 +61,13 @@ void addPlaces(std::vector<PlanRow>& plan, const PlanRow& image, const QString& 
     }
 }
 
+/// Where the last line ends whose end is whole in @p piece; 0 when none does.
+qsizetype endOfLines(const QByteArray& piece)
+{
+    const QByteArrayView sure = QByteArrayView(piece).chopped(piece.endsWith('\r') ? 1 : 0);
+    return std::max(sure.lastIndexOf('\n'), sure.lastIndexOf('\r')) + 1;
+}
+
 } // namespace
 
 std::vector<PlanRow> planOf(const colFiles& files, const ConfigurationList& radio)
@@ -91,40 +99,39 @@ std::vector<PlanRow> planOf(const colFiles& files, const ConfigurationList& radi
 }
 
 ChecksumScan::ChecksumScan(IFileService& files, QStringList paths)
-    : m_files(files), m_paths(std::move(paths))
+    : m_files(files), m_paths(std::move(paths)), m_piece(pieceBytes)
 {
-}
-
-ChecksumScan::~ChecksumScan() = default;
-
-void ChecksumScan::openNext()
-{
-    const QString path = m_paths.takeFirst();
-    m_name = fileName(path);
-    m_position = 0;
-    m_line = 0;
-    try {
-        m_content = m_files.read(path);
-    } catch (const PlatformFailure& failure) {
-        m_faults.append(m_name + u": "_s + failure.description());
-    }
 }
 
 bool ChecksumScan::step()
 {
-    if (!m_content && m_paths.isEmpty())
+    if (m_paths.isEmpty())
         return false;
-    if (!m_content) {
-        openNext();
-        return true;
+    const QString path = m_paths.first();
+    QByteArray piece;
+    try {
+        piece = m_files.readPart(path, m_position, m_piece);
+    } catch (const PlatformFailure& failure) {
+        m_faults.append(fileName(path) + u": "_s + failure.description());
     }
-    const auto rest = m_content->bytes().subspan(m_position);
-    // Up to a line's end behind the slice.
-    const auto from = rest.begin() + static_cast<std::ptrdiff_t>(std::min(sliceBytes, rest.size()));
-    const auto end = std::find(from, rest.end(), '\n');
-    const auto size = static_cast<std::size_t>(end - rest.begin()) + (end == rest.end() ? 0 : 1);
-    const auto slice = rest.first(size);
-    for (const RecordFault& fault : checkRecords(slice)) {
+    const bool last = piece.size() < m_piece;
+    const qsizetype whole = last ? piece.size() : endOfLines(piece);
+    check(fileName(path), QByteArrayView(piece).first(whole));
+    m_position += whole;
+    m_piece = whole > 0 ? pieceBytes : 2 * m_piece; // a line longer than the piece
+    if (last) {
+        m_paths.removeFirst();
+        m_position = m_line = 0;
+        m_piece = pieceBytes;
+    }
+    return true;
+}
+
+void ChecksumScan::check(const QString& name, QByteArrayView lines)
+{
+    TextLines text({reinterpret_cast<const std::uint8_t*>(lines.data()),
+                    static_cast<std::size_t>(lines.size())});
+    for (const RecordFault& fault : checkRecords(text)) {
         // Of other records nothing but their checksum is looked at.
         if (fault.kind != RecordFault::Kind::Checksum && !fault.isData)
             continue;
@@ -132,13 +139,9 @@ bool ChecksumScan::step()
             ++m_more;
         else
             m_faults.append(
-                u"%1, line %2: %3"_s.arg(m_name).arg(m_line + fault.line).arg(fault.reason()));
+                u"%1, line %2: %3"_s.arg(name).arg(m_line + fault.line).arg(fault.reason()));
     }
-    m_line += std::ranges::count(slice, '\n');
-    m_position += size;
-    if (m_position >= m_content->bytes().size())
-        m_content.reset();
-    return true;
+    m_line += text.number();
 }
 
 QStringList ChecksumScan::faults() const

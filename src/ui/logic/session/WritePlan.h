@@ -3,13 +3,11 @@
 #include <QString>
 #include <QStringList>
 
-#include <memory>
 #include <vector>
 
 namespace fldc {
 
 class ConfigurationList;
-class IFileContent;
 class IFileService;
 class colFiles;
 
@@ -33,9 +31,6 @@ class ChecksumScan {
 public:
     /// @p files must outlive the object.
     ChecksumScan(IFileService& files, QStringList paths);
-    ~ChecksumScan();
-    ChecksumScan(const ChecksumScan&) = delete;
-    ChecksumScan& operator=(const ChecksumScan&) = delete;
 
     /// Takes a few milliseconds. False when nothing is left to do.
     [[nodiscard]] bool step();
@@ -43,14 +38,13 @@ public:
     [[nodiscard]] QStringList faults() const;
 
 private:
-    void openNext();
+    void check(const QString& name, QByteArrayView lines);
 
     IFileService& m_files;
-    QStringList m_paths; ///< not yet begun
-    QString m_name;
-    std::unique_ptr<IFileContent> m_content;
-    std::size_t m_position = 0;
-    qint64 m_line = 0; ///< lines before the position
+    QStringList m_paths;   ///< the first is being read
+    qint64 m_position = 0; ///< in it
+    qint64 m_line = 0;     ///< lines before the position
+    qint64 m_piece;        ///< bytes to read of it at once
     QStringList m_faults;
     qint64 m_more = 0; ///< beyond those
 };
