@@ -8,6 +8,7 @@
 #include "platform/qt/SignalWatch.h"
 #include "shared/LastError.h"
 #include "ui/desktop/ReadablePalette.h"
+#include "ui/desktop/VisibleBorders.h"
 #include "ui/frmDownload.h"
 #include "ui/frmIcon.h"
 
@@ -33,6 +34,7 @@ Program::Program(bool onTerminal)
       m_history(m_qtPlatform.platform(), [this](const QString& what) { complain(what); })
 {
     frmIcon::useForApplication();
+    VisibleBorders::install();
     new ReadablePalette(qApp);
     if (onTerminal && isatty(STDERR_FILENO) != 0)
         m_terminal = std::make_unique<TerminalProgress>(STDERR_FILENO);

@@ -1,5 +1,6 @@
 #include "WindowTest.h"
 #include "ui/desktop/ReadablePalette.h"
+#include "ui/desktop/VisibleBorders.h"
 #include "ui/frmReportDialog.h"
 #include "ui/session/PlanWindow.h"
 
@@ -132,9 +133,25 @@ protected:
     }
 };
 
+/// What has no other edge than a border.
+void checkBorders(const QWidget& window)
+{
+    for (const auto& [name, wide] : {std::pair{"chkAccessLevel", 14},
+                                     {"cboPort", 4},
+                                     {"txtCurrentDownload", 4},
+                                     {"cmdDownload", 4}}) {
+        const QRect edge(0, 0, wide, window.findChild<QWidget*>(QLatin1String(name))->height());
+        EXPECT_GE(contrastIn(window.findChild<QWidget*>(QLatin1String(name))->grab(edge).toImage()),
+                  3)
+            << name; // WCAG 2.1, 1.4.11
+    }
+}
+
 TEST_F(ContrastTest, EveryTextCanBeReadInEveryPaletteAlsoWhenItChanges)
 {
     const QPalette before = QApplication::palette();
+    const QString style = QApplication::style()->name();
+    VisibleBorders::install();
     const ReadablePalette readable;
     start();
     const auto change = [&](const QPalette& palette) {
@@ -147,9 +164,11 @@ TEST_F(ContrastTest, EveryTextCanBeReadInEveryPaletteAlsoWhenItChanges)
     EXPECT_TRUE(
         change(paletteOf({"#000000", "#000000", "#000000", "#ffff00", "#00ffff", "#000000"})));
     checkAll(QStringLiteral("high contrast"), 7);
+    checkBorders(*view);
     EXPECT_TRUE(change(QApplication::style()->standardPalette()));
     checkAll(QStringLiteral("light"), 0); // the red of a fault is what people know, and has a mark
     EXPECT_TRUE(change(before));
+    QApplication::setStyle(style);
 }
 
 } // namespace
