@@ -143,11 +143,8 @@ ConfigurationView::ConfigurationView(const ConfigurationList& list, QWidget* par
 void ConfigurationView::refill()
 {
     clear();
-    m_userWidths = false;
-    const int height = std::max(fontMetrics().height(), iconSize().height()) + rowGap;
     for (const ConfigurationRow& row : m_list->rows()) {
         auto* item = new QTreeWidgetItem(QStringList(row.texts.begin(), row.texts.end()));
-        item->setSizeHint(0, QSize(0, height));
         const QString details =
             m_list->hiddenDetails(static_cast<std::size_t>(topLevelItemCount()));
         for (int column = 0; !details.isEmpty() && column < columnCount(); ++column)
@@ -156,6 +153,15 @@ void ConfigurationView::refill()
     }
     showMarks();
     applyColours();
+    layOut();
+}
+
+void ConfigurationView::layOut()
+{
+    m_userWidths = false;
+    const int height = std::max(fontMetrics().height(), iconSize().height()) + rowGap;
+    for (int i = 0; i < topLevelItemCount(); ++i)
+        topLevelItem(i)->setSizeHint(0, QSize(0, height));
     applyWidths();
 }
 

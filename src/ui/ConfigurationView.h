@@ -22,6 +22,8 @@ public:
 
     /// Shows the rows anew.
     void refill();
+    /// Gives rows and columns the sizes that font, pictures and window ask for.
+    void layOut();
     /// Shows the marks anew.
     void showMarks();
     void detach() { m_list = nullptr; }

@@ -2,10 +2,12 @@
 
 #include "ui/Twips.h"
 
+#include <QEvent>
 #include <QLayout>
 #include <QPainter>
 #include <QStyle>
 #include <QStyleOption>
+#include <QToolButton>
 
 #include <algorithm>
 
@@ -18,6 +20,7 @@ constexpr int smallestTagWidth = 700;
 constexpr int baudWidth = 1440;
 
 constexpr int panelMargin = 3;
+constexpr int buttonMargin = 12;
 
 } // namespace
 
@@ -73,7 +76,6 @@ StatusBar::StatusBar(QWidget* parent)
     addWidget(m_status, 1);
     addWidget(m_baud);
     m_status->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
-    m_baud->setFixedWidth(widthInPixels(baudWidth, *this));
 }
 
 // A name for screen readers would be read instead of the text.
@@ -82,6 +84,19 @@ StatusPanel* StatusBar::addPanel(const QString& name)
     auto* panel = new StatusPanel(this);
     panel->setObjectName(name);
     return panel;
+}
+
+QToolButton* StatusBar::addButton(const QString& name, const QString& text)
+{
+    constexpr int place = 2;
+    m_button = new QToolButton(this);
+    m_button->setObjectName(name);
+    m_button->setText(text);
+    m_button->setMinimumHeight(1);
+    m_button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
+    insertWidget(place, m_button);
+    fitTexts();
+    return m_button;
 }
 
 // Without the toolkit's frames around the panels, which have their own. A style sheet that says so
@@ -102,15 +117,34 @@ void StatusBar::resizeEvent(QResizeEvent* event)
             room->changeSize(0, 0);
     }
     layout()->invalidate();
+    m_baud->setFixedWidth(widthInPixels(baudWidth, *this));
+    fitTexts();
     QStatusBar::resizeEvent(event);
+}
+
+void StatusBar::changeEvent(QEvent* event)
+{
+    QStatusBar::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        fitTexts();
+}
+
+void StatusBar::fitTexts()
+{
+    const int frame = 2 * (m_tag->frameWidth() + panelMargin);
+    m_tag->setFixedWidth(std::max(widthInPixels(smallestTagWidth, *this),
+                                  fontMetrics().horizontalAdvance(m_tag->text()) + frame));
+    if (m_button == nullptr)
+        return;
+    m_button->setFont(font()); // the toolkit has another one for such buttons
+    const QString text = m_button->text().remove(u'&');
+    m_button->setFixedWidth(fontMetrics().horizontalAdvance(text) + buttonMargin);
 }
 
 void StatusBar::showTag(const QString& text)
 {
-    const int frame = 2 * (m_tag->frameWidth() + panelMargin);
-    m_tag->setFixedWidth(std::max(widthInPixels(smallestTagWidth, *this),
-                                  m_tag->fontMetrics().horizontalAdvance(text) + frame));
     m_tag->showText(text);
+    fitTexts();
 }
 
 } // namespace fldc

@@ -3,7 +3,7 @@
 #include <QLabel>
 #include <QStatusBar>
 
-#include <array>
+class QToolButton;
 
 namespace fldc {
 
@@ -33,6 +33,9 @@ class StatusBar final : public QStatusBar {
 public:
     explicit StatusBar(QWidget* parent);
 
+    /// A button between the status and the link speed.
+    [[nodiscard]] QToolButton* addButton(const QString& name, const QString& text);
+
     void showTag(const QString& text);
     void showStatus(const QString& text) { m_status->showText(text); }
     void showBaud(const QString& text) { m_baud->showText(text); }
@@ -40,13 +43,16 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
 private:
     [[nodiscard]] StatusPanel* addPanel(const QString& name);
+    void fitTexts();
 
     StatusPanel* m_tag;
     StatusPanel* m_status;
     StatusPanel* m_baud;
+    QToolButton* m_button = nullptr;
 };
 
 } // namespace fldc

@@ -24,6 +24,7 @@
 #include <QPushButton>
 #include <QScopedValueRollback>
 #include <QTimer>
+#include <QWindow>
 
 #include <chrono>
 #include <utility>
@@ -137,6 +138,10 @@ void frmDownload::showView()
     if (!std::exchange(m_placed, true))
         placeOnScreen();
     show();
+    if (m_screen == nullptr) {
+        followScreen();
+        connect(windowHandle(), &QWindow::screenChanged, this, &frmDownload::followScreen);
+    }
     // Behind the first picture: it takes a look at every process of the machine.
     QTimer::singleShot(0, this, [this] { whileHandling([&] { m_window->describePorts(); }); });
 }

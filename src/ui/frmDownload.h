@@ -4,12 +4,15 @@
 #include "ui/desktop/Placement.h"
 #include "ui/logic/DownloadWindow.h"
 
+#include <QPointer>
+#include <QScreen>
 #include <QWidget>
 
 #include <functional>
 #include <memory>
 
 class QCheckBox;
+class QFrame;
 class QLabel;
 class QLineEdit;
 class QPushButton;
@@ -62,6 +65,7 @@ protected:
     void dragEnterEvent(QDragEnterEvent* event) override;
     void dropEvent(QDropEvent* event) override;
     void moveEvent(QMoveEvent* event) override;
+    bool event(QEvent* event) override;
 
 private:
     using Operation = void (ButtonOperations::*)();
@@ -72,7 +76,7 @@ private:
     // The controls (frmDownload_controls.cpp)
     void makeControls();
     template <class Widget>
-    Widget* place(Control control, Widget* widget);
+    Widget* named(Control control, Widget* widget);
     QLabel* makeLabel(Control control, const QString& text);
     QPushButton* makeButton(Control control, const QString& text, Operation operation);
     ChoiceBox* makeCombo(Control control);
@@ -82,6 +86,12 @@ private:
     void describeControls();
     void setTabOrderOfControls();
     [[nodiscard]] SessionView* makeSessionView(const Platform& platform, IDesktopSession* desktop);
+
+    // Their places (frmDownload_layout.cpp)
+    void layOutControls();
+    void layOutAccessLevel();
+    void layOutFrame();
+    void followScreen();
 
     void run(Operation operation);
     void askForHelp();
@@ -100,6 +110,7 @@ private:
     bool m_placed = false;
     bool m_frameKnown = false;
     WindowNumber m_number;
+    QPointer<QScreen> m_screen;   ///< whose changes are followed
     QWidget* m_focused = nullptr; ///< had the focus when the controls were disabled
 
     QCheckBox* chkAccessLevel = nullptr;
@@ -110,6 +121,7 @@ private:
     QPushButton* cmdDownload = nullptr;
     QPushButton* cmdHelp = nullptr;
     QWidget* fraConfiguration = nullptr;
+    QFrame* m_listBorder = nullptr;
     ConfigurationView* ListView1 = nullptr;
     QPushButton* cmdSaveDetails = nullptr;
     QLineEdit* txtCurrentDownload = nullptr;

@@ -1,8 +1,6 @@
 #include "ui/frmDownload.h"
 
-#include "shared/DisplayTexts.h"
 #include "ui/ConfigurationView.h"
-#include "ui/FittingFont.h"
 #include "ui/StatusBar.h"
 #include "ui/frmIcon.h"
 #include "ui/logic/ButtonOperations.h"
@@ -13,76 +11,25 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QShortcut>
-#include <QStyle>
 
 namespace fldc {
 
-namespace {
-
-constexpr double frameTitlePointSize = 9.75;
-// Pixels that a button needs beside its text.
-constexpr int buttonMargin = 8;
-constexpr int helpPicturePixels = 13;
-constexpr int listPicturePixels = 16;
-constexpr int listMargin = 12;
-
-QString withoutMnemonic(QString text)
-{
-    return text.remove(u'&');
-}
-
-// The text of the buttons of a row gets the same look, that of the longest one.
-QFont buttonFont(const QWidget& window, int width)
-{
-    return fittingFont(windowFont(window), QStringLiteral("Report Configuration"), width);
-}
-
-// The longest of the component types fits into the first column, beside the box, and the longest
-// status into the third.
-QFont listFont(const QFont& font, int typeWidth, int pictureWidth, int statusWidth)
-{
-    return fittingFont(fittingFont(font, displayText(Text::SystemConfigTable),
-                                   typeWidth - pictureWidth - listMargin),
-                       displayText(Text::NoCodeComponent),
-                       statusWidth - pictureWidth / 2 - listMargin);
-}
-
-} // namespace
-
 template <class Widget>
-Widget* frmDownload::place(Control control, Widget* widget)
+Widget* frmDownload::named(Control control, Widget* widget)
 {
-    const ControlPosition& position = positionOf(control);
-    widget->setObjectName(position.name);
-    widget->setGeometry(toPixels(position.place, *this));
+    widget->setObjectName(positionOf(control).name);
     return widget;
 }
 
 void frmDownload::makeControls()
 {
     setWindowIcon(frmIcon::picture(QStringLiteral("download")));
-    setScale(*this, fittingScale(*this, {clientWidth, clientHeight}));
-    setFixedSize(toPixels({0, 0, clientWidth, clientHeight}, *this).size());
-    setFont(buttonFont(*this, toPixels(positionOf(Control::cmdConfig).place, *this).width() -
-                                  buttonMargin));
-
     chkAccessLevel =
-        place(Control::chkAccessLevel, new QCheckBox(tr("Allow Unprotected Upgrade"), this));
-    const int indicator = chkAccessLevel->style()->pixelMetric(QStyle::PM_IndicatorWidth) +
-                          chkAccessLevel->style()->pixelMetric(QStyle::PM_CheckBoxLabelSpacing);
-    chkAccessLevel->setFont(
-        fittingFont(font(), chkAccessLevel->text(), chkAccessLevel->width() - indicator - 2));
-    // The box itself does not shrink with the window.
-    const int missing = chkAccessLevel->style()->pixelMetric(QStyle::PM_IndicatorHeight) + 2 -
-                        chkAccessLevel->height();
-    if (missing > 0)
-        chkAccessLevel->setGeometry(
-            chkAccessLevel->geometry().adjusted(0, -missing / 2, 0, missing - missing / 2));
+        named(Control::chkAccessLevel, new QCheckBox(tr("Allow Unprotected Upgrade"), this));
     chkAccessLevel->setVisible(m_window->accessLevelVisible());
 
     QLabel* portLabel = makeLabel(Control::Label1, tr("Port"));
@@ -102,16 +49,17 @@ void frmDownload::makeControls()
     makeHelpButton();
     makeFrame();
 
-    txtCurrentDownload = place(Control::txtCurrentDownload, new QLineEdit(this));
+    txtCurrentDownload = named(Control::txtCurrentDownload, new QLineEdit(this));
     txtCurrentDownload->setReadOnly(true);
     txtCurrentDownload->setAcceptDrops(false);
     makeLabel(Control::lblProgress, tr("Progress :"));
-    prgDownloadProgress = place(Control::prgDownloadProgress, new TransferBar(this));
+    prgDownloadProgress = named(Control::prgDownloadProgress, new TransferBar(this));
     makeLabel(Control::lblCurrentDownload, tr("Current Download :"))->setBuddy(txtCurrentDownload);
-    stsStatus = place(Control::stsStatus, new StatusBar(this));
-    cmdCancel = place(Control::cmdCancel, new QPushButton(tr("&Cancel"), this));
-    noticeStrip = place(Control::noticeStrip, new NoticeStrip(this));
+    stsStatus = named(Control::stsStatus, new StatusBar(this));
+    cmdCancel = named(Control::cmdCancel, new QPushButton(tr("&Cancel"), this));
+    noticeStrip = named(Control::noticeStrip, new NoticeStrip(this));
 
+    layOutControls();
     connectControls();
     describeControls();
     setTabOrderOfControls();
@@ -119,29 +67,26 @@ void frmDownload::makeControls()
 
 QLabel* frmDownload::makeLabel(Control control, const QString& text)
 {
-    return place(control, new QLabel(text, this));
+    return named(control, new QLabel(text, this));
 }
 
 QPushButton* frmDownload::makeButton(Control control, const QString& text, Operation operation)
 {
     QWidget* holder = positionOf(control).inFrame ? fraConfiguration : this;
-    auto* button = place(control, new QPushButton(text, holder));
-    button->setFont(
-        fittingFont(button->font(), withoutMnemonic(text), button->width() - buttonMargin));
+    auto* button = named(control, new QPushButton(text, holder));
     connect(button, &QPushButton::clicked, this, [this, operation] { run(operation); });
     return button;
 }
 
 ChoiceBox* frmDownload::makeCombo(Control control)
 {
-    return place(control, new ChoiceBox(this));
+    return named(control, new ChoiceBox(this));
 }
 
 void frmDownload::makeHelpButton()
 {
-    cmdHelp = place(Control::cmdHelp, new QPushButton(this));
+    cmdHelp = named(Control::cmdHelp, new QPushButton(this));
     cmdHelp->setIcon(frmIcon::picture(QStringLiteral("help")));
-    cmdHelp->setIconSize(QSize(helpPicturePixels, helpPicturePixels) * scaleOf(*this));
     connect(cmdHelp, &QPushButton::clicked, this, &frmDownload::askForHelp);
     auto* key = new QShortcut(QKeySequence(Qt::Key_F1), this);
     key->setAutoRepeat(false);
@@ -150,29 +95,13 @@ void frmDownload::makeHelpButton()
 
 void frmDownload::makeFrame()
 {
-    auto* frame = place(Control::fraConfiguration, new QGroupBox(tr("Configuration"), this));
-    fraConfiguration = frame;
-    QFont textFont = font();
-    textFont.setBold(false);
-    QFont titleFont = windowFont(*this);
-    titleFont.setPointSizeF(frameTitlePointSize * scaleOf(*this));
-    titleFont.setBold(true);
-    frame->setFont(titleFont);
-
-    // The list fills its place to the last pixel, or its columns would not fit: the border is
-    // around it.
-    auto* border = new QFrame(frame);
-    border->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
-    ListView1 = place(Control::ListView1, new ConfigurationView(m_window->configurations(), frame));
-    border->setGeometry(ListView1->geometry().adjusted(-1, -1, 1, 1));
-    ListView1->setIconSize(QSize(listPicturePixels, listPicturePixels) * scaleOf(*this));
-    const auto columns = m_window->configurations().columnWidths(listWidth);
-    ListView1->setFont(listFont(textFont, widthInPixels(columns[0], *this),
-                                ListView1->iconSize().width(), widthInPixels(columns[2], *this)));
-    ListView1->header()->setFont(textFont);
+    fraConfiguration = named(Control::fraConfiguration, new QGroupBox(tr("Configuration"), this));
+    m_listBorder = new QFrame(fraConfiguration);
+    m_listBorder->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+    ListView1 = named(Control::ListView1,
+                      new ConfigurationView(m_window->configurations(), fraConfiguration));
     cmdSaveDetails =
         makeButton(Control::cmdSaveDetails, tr("&Save Details"), &ButtonOperations::SaveDetails);
-    cmdSaveDetails->setFont(textFont);
 }
 
 void frmDownload::connectControls()

@@ -51,6 +51,23 @@ TEST_F(MainWindowTest, EveryControlIsThereWholeAndInTabOrder)
     EXPECT_TRUE(control<QLineEdit>("txtCurrentDownload")->isReadOnly());
 }
 
+TEST_F(MainWindowTest, ItFollowsTheDesktopsFont)
+{
+    start();
+    const QSize size = view->size();
+    const QFont before = QApplication::font();
+    QFont larger = before;
+    larger.setPointSizeF(1.2 * 9);
+    QApplication::setFont(larger);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view->width() > size.width(); }));
+    EXPECT_GT(control("panelTag")->font().pointSizeF(), 1.1 * 8.25);
+    for (const auto* each : view->findChildren<QAbstractButton*>())
+        EXPECT_TRUE(!each->isVisible() || each->visibleRegion().boundingRect() == each->rect())
+            << qPrintable(each->objectName()) << ": covered or outside";
+    QApplication::setFont(before);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view->size() == size; }));
+}
+
 TEST_F(MainWindowTest, APortIsChosenOncePerChange)
 {
     start();

@@ -3,6 +3,7 @@
 #include "ui/StatusBar.h"
 
 #include <QAccessible>
+#include <QEvent>
 #include <QGridLayout>
 #include <QLabel>
 #include <QPushButton>
@@ -31,9 +32,6 @@ NoticeStrip::NoticeStrip(QWidget* parent)
     setFrameStyle(QFrame::NoFrame);
     m_headline->setObjectName(QStringLiteral("noticeHeadline"));
     m_next->setObjectName(QStringLiteral("noticeNext"));
-    QFont bold = font();
-    bold.setBold(true);
-    m_headline->setFont(bold);
     auto* grid = new QGridLayout(this);
     grid->setContentsMargins(0, 0, 0, 0);
     grid->setVerticalSpacing(0);
@@ -55,15 +53,31 @@ NoticeStrip::NoticeStrip(QWidget* parent)
     grid->addWidget(copy, 0, 3, 2, 1, Qt::AlignVCenter);
     connect(details, &QPushButton::clicked, this, &NoticeStrip::detailsWanted);
     connect(copy, &QPushButton::clicked, this, &NoticeStrip::copyWanted);
+    fitFont();
     hide();
+}
+
+void NoticeStrip::changeEvent(QEvent* event)
+{
+    QFrame::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        fitFont();
+}
+
+void NoticeStrip::fitFont()
+{
+    QFont bold = font();
+    bold.setBold(true);
+    m_headline->setFont(bold);
+    for (QPushButton* button : findChildren<QPushButton*>())
+        button->setFixedSize(fontMetrics().horizontalAdvance(button->text()) + noticeButtonMargin,
+                             fontMetrics().height() + noticeButtonMargin / 2);
 }
 
 QPushButton* NoticeStrip::makeButton(const QString& name, const QString& text)
 {
     auto* button = new QPushButton(text, this);
     button->setObjectName(name);
-    button->setFixedSize(button->fontMetrics().horizontalAdvance(text) + noticeButtonMargin,
-                         button->fontMetrics().height() + noticeButtonMargin / 2);
     return button;
 }
 

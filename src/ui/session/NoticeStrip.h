@@ -21,12 +21,16 @@ public:
 
     void showNotice(const Notice& notice);
 
+protected:
+    void changeEvent(QEvent* event) override;
+
 Q_SIGNALS:
     void detailsWanted();
     void copyWanted();
 
 private:
     QPushButton* makeButton(const QString& name, const QString& text);
+    void fitFont();
 
     QLabel* m_sign;
     StatusPanel* m_headline;

@@ -31,8 +31,6 @@ namespace {
 constexpr auto longRun = 10s;
 
 // Behind the status, before the link speed.
-constexpr int planPlace = 2;
-constexpr int planMargin = 12;
 
 QString questionText(const Run& run)
 {
@@ -60,19 +58,11 @@ SessionView::SessionView(DownloadWindow& window, Surroundings surroundings)
 
 void SessionView::makePlanButton()
 {
-    m_planButton = new QToolButton(&m_around.status);
-    m_planButton->setText(tr("&Plan..."));
-    m_planButton->setObjectName(QStringLiteral("cmdPlan"));
+    m_planButton = m_around.status.addButton(QStringLiteral("cmdPlan"), tr("&Plan..."));
     m_planButton->setAccessibleName(tr("Plan"));
     m_planButton->setToolTip(tr("What a download would write"));
     m_planButton->setFocusPolicy(Qt::TabFocus);
-    m_planButton->setFont(m_around.view.font());
-    m_planButton->setFixedWidth(m_planButton->fontMetrics().horizontalAdvance(tr("Plan...")) +
-                                planMargin);
-    m_planButton->setMinimumHeight(1);
-    m_planButton->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Ignored);
     m_planButton->hide();
-    m_around.status.insertWidget(planPlace, m_planButton);
     connect(m_planButton, &QToolButton::clicked, this, &SessionView::showPlan);
 }
 
