@@ -54,7 +54,7 @@ clsDLManager::~clsDLManager()
         logState().download.reset();
         logState().configuration.reset();
     }
-    m_files.reset();
+    m_load.files.reset();
     m_radio.reset();
     if (m_window)
         m_window->setDownLoadManager(nullptr);
@@ -119,21 +119,22 @@ bool clsDLManager::operates() const
 
 std::int32_t clsDLManager::fileNumber(const QString& imageName) const
 {
-    if (!m_files)
+    if (!m_load.files)
         return 0;
-    const auto images = m_files->items();
+    const auto images = m_load.files->items();
     const auto image = std::ranges::find(images, imageName, &clsFile::Name);
     return image == images.end()
                ? 0
-               : static_cast<std::int32_t>(m_loadedPaths.indexOf((*image)->SourcePath()) + 1);
+               : static_cast<std::int32_t>(m_load.paths.indexOf((*image)->SourcePath()) + 1);
 }
 
 std::vector<clsDLManager::LoadedFile> clsDLManager::loadedList() const
 {
     std::vector<LoadedFile> list;
-    for (const QString& path : m_loadedPaths) {
-        const auto hash = m_hashes.constFind(path);
-        list.push_back({path, hash == m_hashes.constEnd() ? std::nullopt : std::optional(*hash)});
+    for (const QString& path : m_load.paths) {
+        const auto hash = m_load.hashes.constFind(path);
+        list.push_back(
+            {path, hash == m_load.hashes.constEnd() ? std::nullopt : std::optional(*hash)});
     }
     return list;
 }

@@ -173,7 +173,7 @@ public:
     [[nodiscard]] bool AsyncTaskRuns() const { return m_asyncBusy && m_AsyncTaskTimer == 0; }
     /// The images of the last load that was not cancelled, in the order in which a download writes
     /// them; null before it.
-    [[nodiscard]] std::shared_ptr<const colFiles> loadedFiles() const { return m_files; }
+    [[nodiscard]] std::shared_ptr<const colFiles> loadedFiles() const { return m_load.files; }
     /// Has the files hashed that are loaded from now on: for who records what was written.
     void hashFiles() { m_hashesFiles = true; }
     /// A file of the last load's list, and what it held; nothing when it could not be read.
@@ -214,6 +214,12 @@ private:
     struct Session;
     struct Download;
     enum class Trap { KeepCode, ReplaceCode };
+    /// What the last load was given and made of it.
+    struct Load {
+        std::shared_ptr<colFiles> files;
+        QStringList paths;
+        QHash<QString, ContentHash> hashes; ///< by path
+    };
 
     // Frame of the operations (clsDLManager_session.cpp)
     [[nodiscard]] Session beginSession();
@@ -250,8 +256,7 @@ private:
     // Loading (clsDLManager_load.cpp)
     std::int16_t loadPaths(const QStringList& paths, bool rememberFirst);
     void loadSteps(Session& session, const QStringList& paths, bool rememberFirst);
-    void restoreFiles(const std::shared_ptr<colFiles>& files, const QStringList& paths,
-                      const QHash<QString, ContentHash>& hashes);
+    void restore(const Load& before);
     QString readFile(const QString& path, const std::shared_ptr<colFiles>& files,
                      const Pace& pace = {});
     /// For the @p file th (from 0) of @p files files.
@@ -288,12 +293,10 @@ private:
     enmRadioType m_radioType{};
     std::shared_ptr<IDownloadWindow> m_window;
     std::shared_ptr<clsRadio> m_radio;
-    std::shared_ptr<colFiles> m_files;
-    QStringList m_loadedPaths; ///< the list of the last load
+    Load m_load;
     bool m_hashesFiles = false;
-    QHash<QString, ContentHash> m_hashes; ///< of that list
-    Code m_loadCode = Code::Success;      ///< of the last load
-    bool m_filesLeftOver = false;         ///< by the last download
+    Code m_loadCode = Code::Success; ///< of the last load
+    bool m_filesLeftOver = false;    ///< by the last download
     std::optional<Compression> m_compression;
     session::OperationEnded m_ended; ///< how the operation ended that is about to complete
     std::shared_ptr<IPort> m_port;

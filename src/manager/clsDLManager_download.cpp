@@ -108,7 +108,7 @@ void clsDLManager::downloadSteps(Session& session, QString& strFilesToReport)
 {
     m_radio = session.radio = std::make_shared<clsRadio>();
     session.openLogs();
-    const std::shared_ptr<colFiles> files = m_files;
+    const std::shared_ptr<colFiles> files = m_load.files;
     if (files && !mayBeWritten(*files))
         return;
     // Without a line the log-on ends the download; what the user must be asked comes first.

@@ -68,7 +68,7 @@ std::int16_t clsDLManager::EraseSelected(const QString& FilesToErase, QString& s
         trap(Trap::KeepCode, [&] { rereadAfterErasure(session, strFilesToReport); });
         result = takeResult();
         closeSession(session, eraseOutcome(erasure));
-        m_files.reset();
+        m_load.files.reset();
         tellEnded(erasure.ok() ? lastError() : erasure);
     }
     complete();
@@ -97,7 +97,7 @@ void clsDLManager::eraseSteps(Session& session, const QString& FilesToErase)
     tellChosen(*known, positions);
     if (!session.openLine())
         return;
-    m_files = std::make_shared<colFiles>();
+    m_load.files = std::make_shared<colFiles>();
 
     clsProtocol& protocol = *session.protocol;
     if (m_uiMode)

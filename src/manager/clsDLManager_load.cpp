@@ -60,9 +60,7 @@ void clsDLManager::loadSteps(Session& session, const QStringList& paths, bool re
 {
     session.openDownloadLog();
     const auto files = std::make_shared<colFiles>();
-    const auto filesBefore = std::exchange(m_files, files);
-    const QStringList pathsBefore = std::exchange(m_loadedPaths, paths);
-    const auto hashesBefore = std::exchange(m_hashes, {});
+    const Load before = std::exchange(m_load, {files, paths, {}});
     if (rememberFirst)
         WriteSetting(m_platform.settings, lastFileSetting, paths.value(0));
     for (qsizetype number = 0; number < paths.size(); ++number) {
@@ -77,7 +75,7 @@ void clsDLManager::loadSteps(Session& session, const QStringList& paths, bool re
             Q_EMIT FileNotLoaded(path, reason);
         if (m_cancellation->requested()) {
             lastError().set(Code::UserCancelled);
-            return restoreFiles(filesBefore, pathsBefore, hashesBefore);
+            return restore(before);
         }
     }
     if (lastError().ok())
@@ -86,15 +84,11 @@ void clsDLManager::loadSteps(Session& session, const QStringList& paths, bool re
 
 // What a cancelled load has read can't stand for its list. The files before it stay to be seen; a
 // download writes neither (mayBeWritten).
-void clsDLManager::restoreFiles(const std::shared_ptr<colFiles>& files, const QStringList& paths,
-                                const QHash<QString, ContentHash>& hashes)
+void clsDLManager::restore(const Load& before)
 {
-    m_files->setHasRejected();
-    if (!files)
-        return;
-    m_files = files;
-    m_loadedPaths = paths;
-    m_hashes = hashes;
+    m_load.files->setHasRejected();
+    if (before.files)
+        m_load = before;
 }
 
 void clsDLManager::ValidFile(const QString& strFileName)
@@ -103,13 +97,13 @@ void clsDLManager::ValidFile(const QString& strFileName)
         const OperationScope operation;
         if (!operation.granted())
             return;
-        if (!m_files)
+        if (!m_load.files)
             throw PlatformFailure(FailureNumber::ObjectNotSet);
         m_cancellation->reset();
         claimOperation(m_cancellation);
         Q_EMIT LoadBegun();
-        m_loadedPaths.append(strFileName);
-        readFile(strFileName, m_files, servingPace());
+        m_load.paths.append(strFileName);
+        readFile(strFileName, m_load.files, servingPace());
         m_ended = {takeResult(), lastError().description()};
     }
     complete();
@@ -144,12 +138,12 @@ QString clsDLManager::readFile(const QString& path, const std::shared_ptr<colFil
     const Compression compression =
         m_compression.value_or(best ? Compression::Best : Compression::Zlib);
     SRecordReader reader(m_platform.files, files, compression, pace);
-    const bool isOfList = files == m_files; // and no boot application, which a radio waits for
+    const bool isOfList = files == m_load.files; // and no boot application, which a radio waits for
     if (m_hashesFiles && isOfList)
         reader.hashContent();
     const auto notValid = reader.read(path);
     if (const auto& hash = reader.contentHash())
-        m_hashes.insert(path, *hash);
+        m_load.hashes.insert(path, *hash);
     if (!notValid)
         return {};
     logDownload(path + QStringLiteral(": ") + notValid->text());

@@ -20,7 +20,7 @@ std::int16_t clsDLManager::ReportConfigurations(QString& strFiles)
         trap(Trap::KeepCode, [&] { reportSteps(session, strFiles); });
         result = takeResult();
         closeSession(session, statusLine(displayText(Text::ConfigurationRead)));
-        m_files.reset();
+        m_load.files.reset();
         tellEnded(lastError());
     }
     EndAsyncTask(eReportConfigurations, strFiles);
@@ -34,7 +34,7 @@ void clsDLManager::reportSteps(Session& session, QString& strFiles)
     if (!session.openLine())
         return; // what is known of the radio stays known
     m_radio = session.radio = std::make_shared<clsRadio>();
-    m_files = std::make_shared<colFiles>();
+    m_load.files = std::make_shared<colFiles>();
 
     session.protocol->SetUpgradeMode(0);
     logRadioOn(session);

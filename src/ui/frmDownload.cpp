@@ -185,7 +185,9 @@ void frmDownload::showPart(WindowPart part)
     case WindowPart::FileName:
         return txtCurrentDownload->setText(m_window->fileName());
     case WindowPart::Progress:
-        return prgDownloadProgress->setValue(m_window->progress());
+        if (m_session == nullptr) // which knows more of a run, and fills the bar
+            prgDownloadProgress->setValue(m_window->progress());
+        return;
     case WindowPart::Configurations:
         showErasable();
         return ListView1->refill();

@@ -18,7 +18,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr qint64 pieceBytes = 256 * 1024;
+constexpr qint64 pieceBytes = qint64{256} * 1024;
 constexpr qsizetype faultsShown = 20;
 
 QString fileName(const QString& path)
