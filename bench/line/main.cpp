@@ -20,6 +20,8 @@
 #include <functional>
 #include <vector>
 
+#include <fcntl.h>
+#include <poll.h>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -127,6 +129,7 @@ double timeOf(int count, const Exchange& exchange)
 std::vector<double> eachTimeOf(int count, const Exchange& exchange)
 {
     std::vector<double> times;
+    times.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         times.push_back(timeOf(1, exchange));
     return times;

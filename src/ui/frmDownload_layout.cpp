@@ -20,7 +20,7 @@ namespace {
 
 constexpr double frameTitlePointSize = 9.75;
 // Pixels that a button needs beside its text.
-constexpr int buttonMargin = 8;
+constexpr int textRoom = 8;
 constexpr int helpPicturePixels = 13;
 constexpr int listPicturePixels = 16;
 constexpr int listMargin = 12;
@@ -32,8 +32,7 @@ QString withoutMnemonic(QString text)
 
 void fitText(QPushButton& button, const QFont& font)
 {
-    button.setFont(
-        fittingFont(font, withoutMnemonic(button.text()), button.width() - buttonMargin));
+    button.setFont(fittingFont(font, withoutMnemonic(button.text()), button.width() - textRoom));
 }
 
 // The longest of the component types fits into the first column, beside the box, and the longest
@@ -58,7 +57,7 @@ void frmDownload::layOutControls()
 
     // The text of the buttons of a row gets the same look, that of the longest one.
     setFont(fittingFont(windowFont(*this), withoutMnemonic(cmdConfig->text()),
-                        cmdConfig->width() - buttonMargin));
+                        cmdConfig->width() - textRoom));
     for (QPushButton* button : {cmdConfig, cmdErase, cmdDownload})
         fitText(*button, font());
     cmdHelp->setIconSize(QSize(helpPicturePixels, helpPicturePixels) * scaleOf(*this));
