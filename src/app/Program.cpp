@@ -15,6 +15,7 @@
 #include <QApplication>
 
 #include <cstdio>
+#include <utility>
 
 #include <unistd.h>
 
@@ -86,6 +87,10 @@ void Program::complain(const QString& reason)
     if (m_terminal)
         m_terminal->endLine();
     std::fprintf(stderr, "rv4100_fldc: %s\n", qUtf8Printable(reason));
+    if (const auto window = m_latestWindow.lock())
+        window->setRemark(reason);
+    else
+        m_complaint = reason;
 }
 
 int Program::runAutomation()
@@ -104,6 +109,7 @@ int Program::runAutomation()
 void Program::watch(const std::shared_ptr<DownloadWindow>& window)
 {
     m_latestWindow = window;
+    window->setRemark(std::exchange(m_complaint, {}));
     if (m_terminal)
         m_terminal->watch(window);
 }

@@ -57,6 +57,7 @@ private:
     WaitDialogFactory m_waitDialogs;
     WindowFactory m_windows;
     std::weak_ptr<DownloadWindow> m_latestWindow;
+    QString m_complaint; ///< from before there was a window
     std::unique_ptr<TerminalProgress> m_terminal;
     RunHistory m_history;
     std::unique_ptr<session::IListener> m_recorder; ///< of the one manager of a window or a run

@@ -13,7 +13,7 @@ ChosenStore chooseStore(const QString& text)
     }
     store.address = text.isEmpty() ? defaultStore(store.folder) : readStoreAddress(text);
     if (!store.address)
-        store.failure = u"there is no history: the setting History names no store."_s;
+        store.failure = u"there is no history: History= names no store, True or False."_s;
     else if (text.isEmpty())
         store.text = u"sqlite:"_s + store.address->path;
     return store;

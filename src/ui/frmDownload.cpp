@@ -91,9 +91,10 @@ frmDownload::frmDownload(DownloadWindow& window, const Platform& platform, IFile
     makeControls();
     if (window.downLoadManager() != nullptr)
         m_session = makeSessionView(platform, desktop);
-    for (const WindowPart part : {WindowPart::Ports, WindowPart::BaudRate, WindowPart::AccessLevel,
-                                  WindowPart::Status, WindowPart::FileName, WindowPart::Progress,
-                                  WindowPart::Configurations, WindowPart::Controls})
+    for (const WindowPart part :
+         {WindowPart::Ports, WindowPart::BaudRate, WindowPart::AccessLevel, WindowPart::Status,
+          WindowPart::FileName, WindowPart::Progress, WindowPart::Configurations,
+          WindowPart::Controls, WindowPart::Remark})
         windowChanged(part);
     connect(qGuiApp, &QGuiApplication::commitDataRequest, this, &frmDownload::onSessionEnds);
 }
@@ -196,6 +197,8 @@ void frmDownload::showPart(WindowPart part)
         return ListView1->showMarks();
     case WindowPart::Controls:
         return showEnabled();
+    case WindowPart::Remark: // belongs to the session
+        return;
     }
 }
 

@@ -112,10 +112,15 @@ TEST_F(SessionTest, AReportIsFollowedCancelledAndToldInWords)
         EXPECT_TRUE(copied.contains(QString::fromLatin1(part))) << part << qPrintable(copied);
 
     play({logOn, askForReport, answerReport, restart});
-    machine.time.after(1ms, [&] { EXPECT_FALSE(control("noticeStrip")->isVisible()); });
+    machine.time.after(1ms, [&] {
+        EXPECT_FALSE(control("noticeStrip")->isVisible());
+        window.lock()->setRemark(QStringLiteral("the record is not kept"));
+        EXPECT_FALSE(control("noticeStrip")->isVisible());
+    });
     click("cmdConfig");
     EXPECT_TRUE(
         control<QLabel>("noticeHeadline")->text().startsWith(QStringLiteral("Read in 0 s")));
+    EXPECT_EQ(control<QLabel>("noticeNext")->text(), QStringLiteral("The record is not kept"));
 }
 
 TEST_F(SessionTest, ThePlanSetsFilesAgainstTheReport)

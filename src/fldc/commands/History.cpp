@@ -25,6 +25,11 @@ struct Asking {
     history::Question question;
 };
 
+QString countText(qsizetype count)
+{
+    return count == 1 ? u"1 record."_s : u"%1 records."_s.arg(count);
+}
+
 std::optional<Outcome> readTimes(const Options& options, history::Question& question)
 {
     const std::array ends{std::pair{&options.since, &question.since},
@@ -82,7 +87,7 @@ Outcome runList(Asking& asking)
     const bool isCut = asking.question.limit > 0 && count == asking.question.limit;
     return ended(asking, isDone,
                  isCut ? u"The newest %1 records; --limit 0 shows all."_s.arg(count)
-                       : u"%1 records."_s.arg(count));
+                       : countText(count));
 }
 
 Outcome runShow(Asking& asking)
@@ -122,7 +127,7 @@ Outcome runExport(Asking& asking)
         return !context.wantsEnd();
     });
     // Standard output is the table and nothing else.
-    return ended(asking, isDone, context.output.isJson() ? u"%1 records."_s.arg(count) : QString());
+    return ended(asking, isDone, context.output.isJson() ? countText(count) : QString());
 }
 
 Outcome runUnits(Asking& asking)

@@ -162,6 +162,12 @@ void DownloadWindow::showNotice(const QString& text)
         m_view->showNotice(text);
 }
 
+void DownloadWindow::setRemark(const QString& text)
+{
+    m_remark = text.left(1).toUpper() + text.mid(1);
+    changed(WindowPart::Remark);
+}
+
 std::int32_t DownloadWindow::baudRateCount() const
 {
     return static_cast<std::int32_t>(baudRates.size());

@@ -27,6 +27,7 @@ enum class WindowPart {
     Configurations, ///< the rows
     Marks,
     Controls, ///< which of them are enabled
+    Remark,
 };
 
 /// Something that shows the window's state: the main window on a desktop, a line on a terminal.
@@ -101,6 +102,7 @@ public:
     [[nodiscard]] int progress() const { return m_progress; }
     [[nodiscard]] bool accessLevelVisible() const { return m_accessLevelVisible; }
     [[nodiscard]] const ConfigurationList& configurations() const { return m_configurations; }
+    [[nodiscard]] const QString& remark() const { return m_remark; }
     [[nodiscard]] IWindowView* view() const { return m_view.get(); }
     /// True while the operation of a button runs.
     [[nodiscard]] bool busy() const { return m_blnBusy; }
@@ -150,6 +152,10 @@ public:
     /// As the view's members of that name; without a view the report counts as closed at once.
     void showFailureReport(const QString& text, const std::function<void()>& closed);
     void showNotice(const QString& text);
+
+    /// What else the user must know, beside the work with the radio: that its record is not kept.
+    /// Of a run that goes on it is told with its end.
+    void setRemark(const QString& text);
 
     // -- IProtocolWindow
     [[nodiscard]] bool UIDisplay() const override { return m_uiDisplay; }
@@ -218,6 +224,7 @@ private:
     int m_passingTimer = 0;
     QString m_baud;
     QString m_fileName;
+    QString m_remark;
     int m_progress = 0;
     ConfigurationList m_configurations;
     bool m_blnBusy = false;

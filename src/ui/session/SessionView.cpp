@@ -85,6 +85,11 @@ void SessionView::windowChanged(WindowPart part)
         return;
     if (part == WindowPart::Progress)
         showProgress();
+    if (part == WindowPart::Remark && !m_window->remark().isEmpty()) {
+        m_notes.remark(m_window->remark());
+        if (!m_notes.running())
+            m_around.strip.showNotice(noticeOf(m_notes.run()));
+    }
     if (part == WindowPart::Configurations && !m_window->configurations().rows().empty())
         m_planButton->show();
     if (part == WindowPart::Configurations || part == WindowPart::Controls)

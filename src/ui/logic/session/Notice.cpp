@@ -146,6 +146,9 @@ QString Notice::text() const
 
 Notice noticeOf(const Run& run)
 {
+    if (!run.operation && run.code == 0) // nothing has run yet that is told of
+        return {Notice::Kind::Attention, run.remarks.value(0), run.remarks.value(1),
+                run.remarks.mid(1)};
     const session::StateText& radio = textOf(run.state());
     Notice notice;
     notice.kind = kindOf(run);
@@ -159,6 +162,11 @@ Notice noticeOf(const Run& run)
         notice.details.append(run.portObstacle + u". "_s + run.portRemedy);
     notice.details.append(radio.meaning.toString());
     notice.details.append(radio.advice.toString());
+    notice.details.append(run.remarks);
+    if (notice.kind == Notice::Kind::Good && !run.remarks.isEmpty()) {
+        notice.kind = Notice::Kind::Attention;
+        notice.next = run.remarks.constFirst();
+    }
     return notice;
 }
 

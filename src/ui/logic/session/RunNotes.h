@@ -69,6 +69,7 @@ struct Run {
     QString message;
     QString portObstacle; ///< behind a run that failed: "COM1: in use by picocom (process 7)"
     QString portRemedy;
+    QStringList remarks; ///< what else went wrong, not with the radio
 
     [[nodiscard]] session::State state() const { return stateOf(radio); }
     [[nodiscard]] std::chrono::seconds seconds() const
@@ -95,6 +96,8 @@ public:
     void detach();
     /// An operation was refused before it began; the last error says why.
     void refuse(session::Operation operation);
+    /// Something else went wrong in the present or behind the last run.
+    void remark(const QString& text) { m_run.remarks.append(text); }
 
     [[nodiscard]] bool running() const { return m_run.phase != Phase::Idle; }
     /// The running or else the last run.
