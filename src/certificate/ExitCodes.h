@@ -33,7 +33,7 @@ struct ExitMeaning {
 /// The exit codes with their meaning, in order of precedence: of those that apply to a run, it ends
 /// with the one that stands first.
 inline constexpr std::array exitCodes{
-    ExitMeaning{Exit::Interrupted, u"ended by SIGINT"},
+    ExitMeaning{Exit::Interrupted, u"cancelled (SIGINT)"},
     ExitMeaning{Exit::Terminated, u"ended by SIGTERM"},
     ExitMeaning{Exit::HungUp, u"ended by SIGHUP"},
     ExitMeaning{Exit::OutputLost, u"standard output went away"},
