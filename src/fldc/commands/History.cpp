@@ -25,9 +25,10 @@ struct Asking {
     history::Question question;
 };
 
-QString countText(qsizetype count)
+// "1 record", "2 records"
+QString counted(qint64 count, QStringView noun)
 {
-    return count == 1 ? u"1 record."_s : u"%1 records."_s.arg(count);
+    return QString::number(count) + u' ' + noun + (count == 1 ? u""_s : u"s"_s);
 }
 
 std::optional<Outcome> readTimes(const Options& options, history::Question& question)
@@ -73,6 +74,20 @@ Outcome ended(Asking& asking, bool isDone, const QString& message)
                    u"Try again; if it happens again, restore the store from a copy."_s);
 }
 
+// Prints the rows below their heading, and says how many there are. @p which: of all those that the
+// limit has left.
+Outcome listed(Asking& asking, bool isDone, const QList<QStringList>& rows, QStringView which,
+               QStringView noun)
+{
+    const qsizetype count = rows.size() - 1;
+    if (isDone && count > 0)
+        asking.context.output.print(tableText(rows));
+    const bool isCut = asking.question.limit > 0 && count == asking.question.limit;
+    return ended(asking, isDone,
+                 isCut ? u"The %1 %2; --limit 0 shows all."_s.arg(which, counted(count, noun))
+                       : counted(count, noun) + u'.');
+}
+
 Outcome runList(Asking& asking)
 {
     QList<QStringList> rows{recordHeading()};
@@ -81,13 +96,7 @@ Outcome runList(Asking& asking)
         rows.append(recordCells(record));
         return !asking.context.wantsEnd();
     });
-    const qsizetype count = rows.size() - 1;
-    if (isDone && count > 0)
-        asking.context.output.print(tableText(rows));
-    const bool isCut = asking.question.limit > 0 && count == asking.question.limit;
-    return ended(asking, isDone,
-                 isCut ? u"The newest %1 records; --limit 0 shows all."_s.arg(count)
-                       : countText(count));
+    return listed(asking, isDone, rows, u"newest", u"record");
 }
 
 Outcome runShow(Asking& asking)
@@ -127,7 +136,8 @@ Outcome runExport(Asking& asking)
         return !context.wantsEnd();
     });
     // Standard output is the table and nothing else.
-    return ended(asking, isDone, context.output.isJson() ? countText(count) : QString());
+    return ended(asking, isDone,
+                 context.output.isJson() ? counted(count, u"record") + u'.' : QString());
 }
 
 Outcome runUnits(Asking& asking)
@@ -142,13 +152,7 @@ Outcome runUnits(Asking& asking)
             rows.append(unitCells(unit));
             return !asking.context.wantsEnd();
         });
-    const qsizetype count = rows.size() - 1;
-    if (isDone && count > 0)
-        asking.context.output.print(tableText(rows));
-    const bool isCut = asking.question.limit > 0 && count == asking.question.limit;
-    return ended(asking, isDone,
-                 isCut ? u"The first %1 units; --limit 0 shows all."_s.arg(count)
-                       : u"%1 units."_s.arg(count));
+    return listed(asking, isDone, rows, u"first", u"unit");
 }
 
 struct Action {
@@ -163,12 +167,13 @@ Outcome deliver(Context& context, const history::ChosenStore& store)
 {
     const auto delivery = history::deliver(store, patience, context.wantsEnd);
     if (delivery.waiting == 0)
-        return done(u"%1 records were delivered."_s.arg(delivery.delivered));
-    return failure(Exit::File, Code::Success,
-                   u"%1 records wait in %2: %3"_s.arg(delivery.waiting)
-                       .arg(oneLine(history::Spool(store.folder, *store.address).folder()),
-                            oneLine(delivery.failure)),
-                   u"They are delivered when the store can be used again."_s);
+        return done(u"Delivered: %1."_s.arg(counted(delivery.delivered, u"record")));
+    return failure(
+        Exit::File, Code::Success,
+        u"%1 still in %2: %3"_s.arg(counted(delivery.waiting, u"record"),
+                                    oneLine(history::Spool(store.folder, *store.address).folder()),
+                                    oneLine(delivery.failure)),
+        u"They are delivered when the store can be used again."_s);
 }
 
 } // namespace
