@@ -2,6 +2,7 @@
 
 #include "certificate/JsonObject.h"
 #include "radio/HardwareMatch.h"
+#include "shared/NumberText.h"
 
 #include <algorithm>
 #include <array>
@@ -208,7 +209,8 @@ Outcome verdictOfReport(const RunFacts& record)
         return outcomeOf(exitBeforeErase(record.ending().code, record), record);
     const auto& components = record.components(session::Reading::Report);
     Outcome outcome = outcomeOf(Exit::Done, record);
-    outcome.message = u"The radio has %1 components."_s.arg(components ? components->size() : 0);
+    outcome.message =
+        u"The radio has %1."_s.arg(counted(components ? std::ssize(*components) : 0, u"component"));
     return outcome;
 }
 
@@ -275,8 +277,8 @@ Outcome verdictOfErasure(const RunFacts& record)
         exit = Exit::NotConfirmed;
     Outcome outcome = outcomeOf(exit, record);
     if (exit == Exit::Done)
-        outcome.message =
-            u"Erased, and no longer reported as good: %1 components."_s.arg(asked.size());
+        outcome.message = u"Erased, and no longer reported as good: %1."_s.arg(
+            counted(std::ssize(asked), u"component"));
     else if (exit == Exit::NothingToDo)
         outcome.message = u"Nothing was to be erased."_s;
     else if (record.ending().code == Code::Success)

@@ -59,4 +59,9 @@ std::int32_t divideRounded(std::int64_t numerator, std::int64_t denominator)
     return static_cast<std::int32_t>(whole + (up ? 1 : 0));
 }
 
+QString counted(std::int64_t count, QStringView noun)
+{
+    return QString::number(count) + u' ' + noun + (count == 1 ? QStringView() : u"s");
+}
+
 } // namespace fldc

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QStringView>
 
 #include <cstdint>
@@ -19,5 +20,8 @@ namespace fldc {
 /// @p numerator / @p denominator rounded to the nearest whole number, halves to the even neighbour.
 /// Both are positive.
 [[nodiscard]] std::int32_t divideRounded(std::int64_t numerator, std::int64_t denominator);
+
+/// "1 file", "2 files".
+[[nodiscard]] QString counted(std::int64_t count, QStringView noun);
 
 } // namespace fldc

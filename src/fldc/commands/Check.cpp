@@ -5,6 +5,7 @@
 #include "fldc/files/NamedPort.h"
 #include "fldc/output/Output.h"
 #include "fldc/radio/RadioRun.h"
+#include "shared/NumberText.h"
 
 #include <utility>
 
@@ -75,11 +76,11 @@ Outcome runCheck(Context& context)
     for (const Difference& each : different)
         tell(context.output, each);
     if (different.empty()) {
-        outcome.message = u"The radio's %1 components are as expected."_s.arg(found->size());
+        outcome.message = u"As expected: %1."_s.arg(counted(std::ssize(*found), u"component"));
         return outcome;
     }
     outcome.exit = Exit::NothingToDo;
-    outcome.message = u"%1 components of the radio are not as expected."_s.arg(different.size());
+    outcome.message = u"Not as expected: %1."_s.arg(counted(std::ssize(different), u"component"));
     outcome.advice = u"Download the firmware that it should have, or write the expectation anew."_s;
     return outcome;
 }

@@ -6,6 +6,7 @@
 #include "platform/linux/PortFindings.h"
 #include "platform/qt/SettingsFile.h"
 #include "platform/qt/serial/PortListing.h"
+#include "shared/NumberText.h"
 
 namespace fldc::cli {
 
@@ -67,7 +68,7 @@ Outcome runDoctor(Context& context)
             tell(context.output, {facts.path, found.ok, found.text, found.hint});
     }
     if (context.port.device.isEmpty())
-        return done(u"%1 ports were looked at."_s.arg(devices.size()));
+        return done(u"Looked at %1."_s.arg(counted(std::ssize(devices), u"port")));
     if (isRemote(context.port.device) && remoteAddress(context.port.device))
         return done(u"Nothing is known of a line of another machine until it is opened."_s);
     if (isRemote(context.port.device) || state != PortState::Free)

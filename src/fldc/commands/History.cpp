@@ -6,6 +6,7 @@
 #include "fldc/output/Output.h"
 #include "history/Database.h"
 #include "history/Delivery.h"
+#include "shared/NumberText.h"
 
 #include <algorithm>
 
@@ -24,12 +25,6 @@ struct Asking {
     history::Database& database;
     history::Question question;
 };
-
-// "1 record", "2 records"
-QString counted(qint64 count, QStringView noun)
-{
-    return QString::number(count) + u' ' + noun + (count == 1 ? u""_s : u"s"_s);
-}
 
 std::optional<Outcome> readTimes(const Options& options, history::Question& question)
 {

@@ -10,6 +10,7 @@
 #include "fldc/radio/RadioRun.h"
 #include "protocol/wire/LineSpeeds.h"
 #include "radio/HardwareMatch.h"
+#include "shared/NumberText.h"
 
 #include <algorithm>
 #include <cmath>
@@ -143,10 +144,9 @@ Outcome runPlan(Context& context)
         return outcome;
     }
     outcome.message =
-        radio ? u"%1 images would be written into %2 places; erasing is not counted."_s
-                    .arg(images.size())
-                    .arg(places)
-              : (images.size() == 1 ? u"1 image"_s : u"%1 images"_s.arg(images.size())) +
+        radio ? u"%1 would be written into %2; erasing is not counted."_s.arg(
+                    counted(std::ssize(images), u"image"), counted(places, u"place"))
+              : counted(std::ssize(images), u"image") +
                     u" would be written, once for each component that matches; erasing is not "
                     "counted."_s;
     return outcome;

@@ -4,6 +4,7 @@
 #include "platform/linux/DeviceFacts.h"
 #include "platform/qt/SettingsFile.h"
 #include "platform/qt/serial/PortListing.h"
+#include "shared/NumberText.h"
 
 #include <array>
 
@@ -93,7 +94,8 @@ Outcome runPorts(Context& context)
         context.output.tell(kind::port, portObject(name, facts));
         context.output.print(portLine(name, facts));
     }
-    return done(found == 0 ? u"This machine has no serial ports."_s : u"%1 ports."_s.arg(found));
+    return done(found == 0 ? u"This machine has no serial ports."_s
+                           : counted(found, u"port") + u'.');
 }
 
 } // namespace fldc::cli

@@ -1,6 +1,7 @@
 #include "fldc/gang/Board.h"
 
 #include "fldc/output/ProgressView.h"
+#include "shared/NumberText.h"
 
 #include <algorithm>
 #include <array>
@@ -89,11 +90,12 @@ std::vector<BoardLine> boardOf(const std::vector<std::unique_ptr<Unit>>& units,
         lines.push_back({hiddenText(hidden), BoardLine::Tone::Plain});
     const auto running =
         std::ranges::count_if(units, [](const auto& unit) { return unit->isRunning(); });
-    lines.push_back({u"%1 ports: %2 at work, %3 passed, %4 failed"_s.arg(units.size())
-                         .arg(running)
-                         .arg(counts.passed)
-                         .arg(counts.failed),
-                     BoardLine::Tone::Plain});
+    lines.push_back(
+        {u"%1: %2 at work, %3 passed, %4 failed"_s.arg(counted(std::ssize(units), u"port"))
+             .arg(running)
+             .arg(counts.passed)
+             .arg(counts.failed),
+         BoardLine::Tone::Plain});
     return lines;
 }
 

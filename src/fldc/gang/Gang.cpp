@@ -8,6 +8,7 @@
 #include "platform/IEvents.h"
 #include "platform/ITimers.h"
 #include "platform/Platform.h"
+#include "shared/NumberText.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -263,7 +264,8 @@ bool Gang::isDone() const
 Outcome Gang::outcome() const
 {
     Outcome outcome;
-    outcome.message = u"%1 units passed, %2 failed."_s.arg(m_counts.passed).arg(m_counts.failed);
+    outcome.message =
+        u"%1 passed, %2 failed."_s.arg(counted(m_counts.passed, u"unit")).arg(m_counts.failed);
     if (m_counts.unheard > 0)
         outcome.message += u" Of %1 nobody heard the end."_s.arg(m_counts.unheard);
     const auto missing = std::ranges::count_if(m_places, &Place::isDue);
@@ -275,7 +277,7 @@ Outcome Gang::outcome() const
             outcome.advice = m_foremostPort + u": "_s + m_foremost->advice;
     }
     if (missing > 0 && !startsNoMore()) {
-        outcome.message += u" %1 were not started: no label was read for them."_s.arg(missing);
+        outcome.message += u" Not started, for want of a label: %1."_s.arg(missing);
         outcome.exit = foremost(outcome.exit, Exit::NothingToDo);
     }
     return outcome;

@@ -2,6 +2,7 @@
 
 #include "session/Names.h"
 #include "shared/ErrorCodes.h"
+#include "shared/NumberText.h"
 #include "ui/logic/session/RunNotes.h"
 
 #include <algorithm>
@@ -93,8 +94,9 @@ QString successHeadline(const Run& run)
     case session::Operation::Erase:
         return u"Erased in %1: %2."_s.arg(durationText(run.seconds()), run.marked.join(u", "_s));
     case session::Operation::Report:
-        return u"Read in %1: %2 components."_s.arg(durationText(run.seconds()))
-            .arg(run.before ? run.before->size() : 0);
+        return u"Read in %1: %2."_s.arg(
+            durationText(run.seconds()),
+            counted(run.before ? std::ssize(*run.before) : 0, u"component"));
     default:
         return u"Done in %1."_s.arg(durationText(run.seconds()));
     }
