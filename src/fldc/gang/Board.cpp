@@ -20,7 +20,7 @@ QString nameOf(const Unit& unit)
 BoardLine lineOf(const Unit& unit)
 {
     if (!unit.isRunning() && unit.result())
-        return resultLine(unit);
+        return resultLine(unit, unit.next());
     if (!unit.isRunning())
         return {nameOf(unit) + u"  waiting"_s, BoardLine::Tone::Plain};
     const UnitProgress& progress = unit.progress();
@@ -99,11 +99,11 @@ std::vector<BoardLine> boardOf(const std::vector<std::unique_ptr<Unit>>& units,
     return lines;
 }
 
-BoardLine resultLine(const Unit& unit)
+BoardLine resultLine(const Unit& unit, const QString& next)
 {
     const UnitResult& result = *unit.result();
-    return {nameOf(unit) + (result.passed() ? u"  passed  "_s : u"  FAILED  "_s) +
-                oneLine(result.message),
+    return {nameOf(unit) + (result.passed() ? u"  passed"_s : u"  FAILED"_s) +
+                (next.isEmpty() ? next : u", "_s + next) + u"  "_s + oneLine(result.message),
             result.passed() ? BoardLine::Tone::Good : BoardLine::Tone::Bad};
 }
 

@@ -21,7 +21,7 @@ struct GangCounts {
 [[nodiscard]] std::vector<BoardLine> boardOf(const std::vector<std::unique_ptr<Unit>>& units,
                                              const GangCounts& counts, std::size_t rows);
 
-/// The line of a unit that has ended.
-[[nodiscard]] BoardLine resultLine(const Unit& unit);
+/// The line of a unit that has ended. @p next: what is to be done about it; may be empty.
+[[nodiscard]] BoardLine resultLine(const Unit& unit, const QString& next = {});
 
 } // namespace fldc::cli

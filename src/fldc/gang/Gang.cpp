@@ -57,7 +57,7 @@ Gang::Gang(Context& context, std::vector<NamedPort> ports)
             std::move(port),
             Unit::Surroundings{
                 [this](const QString& type, const QJsonObject& object) { tell(type, object); },
-                [this](const Unit& unit) { ended(unit); }}));
+                [this](Unit& unit) { ended(unit); }}));
 }
 
 Gang::~Gang()
@@ -165,8 +165,10 @@ void Gang::tell(const QString& type, const QJsonObject& object)
     m_context.output.tell(isResult ? kind::unitResult : kindNamed(type), object);
 }
 
-void Gang::ended(const Unit& unit)
+void Gang::ended(Unit& unit)
 {
+    if (m_context.options.repeat)
+        unit.setNext(u"UNPLUG IT"_s); // until its line has been silent, what answers is itself
     const UnitResult& result = *unit.result();
     ++(result.passed()                   ? m_counts.passed
        : result.exit == Exit::OutputLost ? m_counts.unheard
@@ -216,6 +218,10 @@ void Gang::probed(std::size_t index, const ChildProcess::Ended& outcome)
     const bool isGood = !outcome.crashed && outcome.exitCode == static_cast<int>(Exit::Done);
     place.isDue = isGood && place.isEmpty;
     place.isEmpty = isSilence(outcome, m_units[index]->port().device) && !place.hasAnswered;
+    if (place.isDue)
+        m_units[index]->setNext(m_context.options.promptUnit ? u"READ ITS LABEL"_s : QString());
+    else
+        m_units[index]->setNext(place.isEmpty ? u"plug in the next"_s : u"UNPLUG IT"_s);
 }
 
 void Gang::showBoard()

@@ -50,7 +50,7 @@ private:
     [[nodiscard]] std::optional<QString> nextLabel();
     void takeLabel(const std::optional<QString>& label);
     void tell(const QString& type, const QJsonObject& object);
-    void ended(const Unit& unit);
+    void ended(Unit& unit);
     void look();
     void probe(std::size_t index);
     void probed(std::size_t index, const ChildProcess::Ended& outcome);

@@ -54,6 +54,7 @@ void Unit::start(const QStringList& arguments, const QString& label)
 {
     m_label = label;
     m_progress = {u"starting"_s, 0, 0, {}};
+    m_next.clear();
     m_result.reset();
     m_mayHaveErased = false;
     m_isLeft = false;

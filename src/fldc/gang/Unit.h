@@ -52,6 +52,10 @@ public:
     /// Of the last download; nothing before its end.
     [[nodiscard]] const std::optional<UnitResult>& result() const { return m_result; }
 
+    /// What a person is to do at its place now that it has ended; empty for nothing.
+    [[nodiscard]] const QString& next() const { return m_next; }
+    void setNext(const QString& next) { m_next = next; }
+
     /// @p arguments: of `fldc --json`, the port included. @p label: the radio's name.
     void start(const QStringList& arguments, const QString& label);
     void askToEnd(int signal);
@@ -69,6 +73,7 @@ private:
     Surroundings m_surroundings;
     QString m_label;
     UnitProgress m_progress;
+    QString m_next;
     bool m_mayHaveErased = false;
     bool m_isLeft = false;
     bool m_hasStarted = false; ///< its line may have been opened
