@@ -92,6 +92,7 @@ private:
     void layOutAccessLevel();
     void layOutFrame();
     void followScreen();
+    void keepWithinReach();
 
     void run(Operation operation);
     void askForHelp();

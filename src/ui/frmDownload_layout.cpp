@@ -101,23 +101,28 @@ void frmDownload::layOutFrame()
     ListView1->layOut();
 }
 
-/// The screen becomes smaller, the window comes to another one, a beamer is plugged in, the
-/// desktop's font is changed: the window follows, and stays within reach.
+/// The window has come to another screen: perhaps in the user's hand, so that it is not moved.
 void frmDownload::followScreen()
 {
-    QScreen* screen = this->screen();
-    if (m_screen != screen) {
-        if (m_screen != nullptr)
-            m_screen->disconnect(this);
-        m_screen = screen;
-        connect(screen, &QScreen::availableGeometryChanged, this, &frmDownload::followScreen);
-        connect(screen, &QScreen::logicalDotsPerInchChanged, this, &frmDownload::followScreen);
-    }
+    if (m_screen != nullptr)
+        m_screen->disconnect(this);
+    m_screen = screen();
+    connect(m_screen.data(), &QScreen::availableGeometryChanged, this,
+            &frmDownload::keepWithinReach);
+    connect(m_screen.data(), &QScreen::logicalDotsPerInchChanged, this,
+            &frmDownload::keepWithinReach);
+    if (m_window != nullptr)
+        layOutControls();
+}
+
+/// The desktop's font or the room on the screen has changed.
+void frmDownload::keepWithinReach()
+{
     if (m_window == nullptr)
         return;
     const QSize before = size();
     layOutControls();
-    if (size() != before || !screen->availableGeometry().contains(frameGeometry()))
+    if (size() != before || !screen()->availableGeometry().contains(frameGeometry()))
         placeOnScreen();
 }
 
@@ -125,7 +130,7 @@ bool frmDownload::event(QEvent* event)
 {
     const bool handled = QWidget::event(event);
     if (event->type() == QEvent::ApplicationFontChange && m_screen != nullptr)
-        QMetaObject::invokeMethod(this, &frmDownload::followScreen, Qt::QueuedConnection);
+        QMetaObject::invokeMethod(this, &frmDownload::keepWithinReach, Qt::QueuedConnection);
     return handled;
 }
 

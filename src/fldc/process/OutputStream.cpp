@@ -18,10 +18,6 @@ namespace {
 // milliseconds.
 constexpr int mostPatience = 5000;
 
-} // namespace
-
-namespace {
-
 bool isRegularFile(int descriptor)
 {
     struct stat status {};
