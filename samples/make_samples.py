@@ -12,6 +12,8 @@ import hashlib
 import pathlib
 
 FOLDER = pathlib.Path(__file__).resolve().parent
+# By which the simulated radio knows that it has a boot application whole.
+BOOT_END = b"END OF BOOT APPLICATION\n"
 TAG_MARKER = bytes.fromhex("2A2F69426262456C2F2A")
 
 
@@ -111,7 +113,7 @@ def make_rh6100():
 def make_boot_files():
     for name in ("JHA2U", "JHA4U", "JVA2U", "JVA3U", "JWA1U"):
         write(f"boot/{name}.Srec",
-              image(f"{name}-1.00", [(0x0000, pattern(f"{name} boot application", 1000))], kind=1))
+              image(f"{name}-1.00", [(0x0000, pattern(f"{name} boot application", 976) + BOOT_END)], kind=1))
 
 
 if __name__ == "__main__":

@@ -20,11 +20,19 @@ constexpr int f1Speed = 9600;
 
 constexpr milliseconds startTime = 150ms;
 constexpr milliseconds logOnWindow = 5000ms;
-// A boot application has no length of its own. It is over when the line has been quiet for longer
-// than a busy host lets it be between two bytes, and well within the 2 s for which the host waits.
-constexpr milliseconds quietAfterBootApplication = 400ms;
+// A boot application has no length of its own. The samples end with these words; any other is over
+// when the line has been quiet for longer than a busy host lets it be between two bytes, and well
+// within the 2 s for which the host waits.
+constexpr std::string_view bootApplicationEnd = "END OF BOOT APPLICATION\n";
+constexpr milliseconds quietAfterBootApplication = 1000ms;
+constexpr milliseconds bootApplicationStart = 400ms;
 constexpr milliseconds intercharacterTime = 200ms;
 constexpr milliseconds identifierTime = 10ms;
+
+bool endsWith(const Bytes& bytes, std::string_view end)
+{
+    return bytes.size() >= end.size() && std::equal(end.rbegin(), end.rend(), bytes.rbegin());
+}
 
 } // namespace
 
@@ -126,7 +134,8 @@ void Radio::hear(std::uint8_t byte, Time at)
         break;
     case State::Loading:
         m_received.push_back(byte);
-        m_deadline = at + quietAfterBootApplication;
+        m_deadline = at + (endsWith(m_received, bootApplicationEnd) ? bootApplicationStart
+                                                                    : quietAfterBootApplication);
         break;
     case State::Commanded:
         hearCommand(byte, at);
