@@ -90,8 +90,11 @@ class Client:
     def release(self, path):
         self.call(ROOT, NAME + ".Application", "ReleaseInstance", "o", path)
 
+    closed = []  # a connection that still has messages to hand out must not be collected
+
     def leave(self):
         self.bus.close()
+        self.closed.append(self.bus)
 
 
 class Proxy:
