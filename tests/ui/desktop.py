@@ -32,7 +32,8 @@ class Desktop:
 
     def __init__(self, size="1400x1200"):
         read, write = os.pipe()
-        self._server = subprocess.Popen(["Xvfb", "-displayfd", str(write), "-screen", "0", size + "x24"],
+        # Without -noreset it begins anew when its last client goes, and drops who is just coming.
+        self._server = subprocess.Popen(["Xvfb", "-noreset", "-displayfd", str(write), "-screen", "0", size + "x24"],
                                         pass_fds=[write], stderr=subprocess.DEVNULL)
         os.close(write)
         with os.fdopen(read) as pipe:
