@@ -30,8 +30,6 @@ namespace {
 // Whoever waits longer than this has turned to something else.
 constexpr auto longRun = 10s;
 
-// Behind the status, before the link speed.
-
 QString questionText(const Run& run)
 {
     const session::StateText& radio = textOf(run.state());
