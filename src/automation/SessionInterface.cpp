@@ -123,8 +123,9 @@ void SessionInterface::complete(int code, const QString& message)
     // What failed before it touched a radio says nothing of the radio's state.
     const bool isLoad = value(u"Operation"_s) == u"load"_s;
     const session::State state = stateOf(m_radio);
-    const session::StateText& text =
-        textOf(isLoad && code != 0 ? session::State::Untouched : state);
+    const QString advice =
+        adviceOf(isLoad && code != 0 ? session::State::Untouched : state, static_cast<Code>(code))
+            .toString();
     const QString operation = value(u"Operation"_s).toString();
     const session::Transfer& transfer = m_narrator.transfer();
     if (transfer.total > 0 && operation == u"download"_s)
@@ -136,14 +137,14 @@ void SessionInterface::complete(int code, const QString& message)
     set("LastResult", code);
     set("LastResultText", message);
     if (!isLoad || code != 0)
-        set("Advice", text.advice.toString());
+        set("Advice", advice);
     tellChanges();
     tellEvent({"result"_L1,
                {{u"command"_s, operation},
                 {u"ok"_s, code == 0},
                 {u"code"_s, qint64(code)},
                 {u"message"_s, message},
-                {u"advice"_s, text.advice.toString()},
+                {u"advice"_s, advice},
                 {u"radio"_s, textOf(state).name.toString()},
                 {u"seconds"_s, static_cast<double>(m_begun.elapsed()) / 1000}}});
     m_surroundings.send(sessionInterface, "Completed",

@@ -58,10 +58,9 @@ Outcome outcomeOf(Exit exit, const RunFacts& record)
 {
     if (record.isIncomplete())
         exit = foremost(exit, Exit::Unexpected);
-    const session::StateText& text = textOf(record.state());
-    Outcome outcome =
-        failure(exit, record.ending().code, record.ending().message, text.advice.toString());
-    outcome.radio = text.name.toString();
+    Outcome outcome = failure(exit, record.ending().code, record.ending().message,
+                              adviceOf(record.state(), record.ending().code).toString());
+    outcome.radio = textOf(record.state()).name.toString();
     return outcome;
 }
 

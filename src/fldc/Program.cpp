@@ -99,7 +99,7 @@ Outcome Program::runCommand(const SignalWatch& signalWatch)
         m_beforeResult,
         m_afterResult,
         [&] { (void)m_output.finish(signalWatch.descriptor(), signalWatch.received() != 0); }};
-    return portFailure ? *portFailure : m_line.command->run(context);
+    return portFailure ? *portFailure : explainPort(m_line.command->run(context), port);
 }
 
 QJsonObject Program::tellStarted(const NamedPort& port, const InputFiles& files)

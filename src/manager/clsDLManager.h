@@ -298,6 +298,7 @@ private:
     Code m_loadCode = Code::Success; ///< of the last load
     bool m_filesLeftOver = false;    ///< by the last download
     std::optional<Compression> m_compression;
+    QString m_bootFileFault;         ///< which boot application can't be sent, and why
     session::OperationEnded m_ended; ///< how the operation ended that is about to complete
     std::shared_ptr<IPort> m_port;
     bool m_uiMode = false;

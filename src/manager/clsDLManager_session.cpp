@@ -90,12 +90,15 @@ void clsDLManager::SendBootApplication(Session& session, const QString& strFileN
 {
     if (!m_platform.files.exists(strFileName)) {
         lastError().set(Code::FileDoesNotExist);
+        m_bootFileFault = strFileName;
         return;
     }
     const auto bootFiles = std::make_shared<colFiles>();
-    readFile(strFileName, bootFiles);
-    if (!lastError().ok())
+    const QString reason = readFile(strFileName, bootFiles);
+    if (!lastError().ok()) {
+        m_bootFileFault = strFileName + QStringLiteral(", ") + reason;
         return;
+    }
     session.protocol->SendUpgradeApplication(session.window(), session.port(),
                                              *bootFiles->Item(strFileName));
 }
@@ -139,6 +142,9 @@ void clsDLManager::tellEnded(const LastError& outcome)
 {
     const bool hasMessage = messageOf(outcome.number()).has_value();
     m_ended = {outcome.number(), hasMessage ? outcome.description() : QString()};
+    if (const QString fault = std::exchange(m_bootFileFault, {});
+        !fault.isEmpty() && outcome.code() != Code::UserCancelled)
+        m_ended.text += QStringLiteral(": ") + QString(fault).replace(u'\\', u'/');
     m_teller->tell(session::OperationEnded(m_ended));
 }
 

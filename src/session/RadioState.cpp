@@ -35,6 +35,11 @@ constexpr std::array texts{
               u"Nothing is left to do but to look at what was reported."},
 };
 
+// No other file is read once the radio was reset.
+constexpr auto bootFileAdvice =
+    u"Put the radio family's boot application there (or name its folder: fldc has --boot-files), "
+    u"switch the radio off and on, then start again.";
+
 static_assert(std::ranges::adjacent_find(texts, std::ranges::greater_equal{}, &StateText::state) ==
                       texts.end() &&
                   texts.size() == static_cast<std::size_t>(State::Restarted) + 1,
@@ -180,6 +185,13 @@ static_assert(isComplete(), "each kind of event once, in order");
 const StateText& textOf(State state)
 {
     return texts.at(static_cast<std::size_t>(state));
+}
+
+QStringView adviceOf(State state, Code code)
+{
+    const bool bootFile = state == State::Reset &&
+                          (code == Code::FileDoesNotExist || code == Code::FileFormatNotValid);
+    return bootFile ? QStringView(bootFileAdvice) : textOf(state).advice;
 }
 
 Radio fold(Radio radio, const Event& event)

@@ -29,6 +29,10 @@ struct StateText {
 
 [[nodiscard]] const StateText& textOf(State state);
 
+/// What to do next in @p state of the radio, behind a run that ended with @p code. A boot
+/// application that can't be sent is mended in another way than a radio that says nothing.
+[[nodiscard]] QStringView adviceOf(State state, Code code);
+
 /// The states as the fold tells them apart: "partly written" is two. While a run writes its first
 /// target, erasing again empties what was written; once earlier targets are whole it does not.
 enum class Condition : std::uint8_t {

@@ -102,6 +102,8 @@ def run_case(case):
         problems = [] if found == (code, code, error, radio, code == 0) else [f"{found}"]
         if [line["type"] for line in lines].count("result") != 1 or not result["advice"]:
             problems.append("not one result with advice")
+        if "/nowhere" in arguments and code > 1 and "nowhere" not in result["message"]:
+            problems.append("does not name what is missing")
         if isinstance(written, int):
             problems += [] if result["best"] == written else [f"best: {result['best']}"]
         elif written is not None:

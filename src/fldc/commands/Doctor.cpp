@@ -72,7 +72,7 @@ Outcome runDoctor(Context& context)
     if (isRemote(context.port.device) && remoteAddress(context.port.device))
         return done(u"Nothing is known of a line of another machine until it is opened."_s);
     if (isRemote(context.port.device) || state != PortState::Free)
-        return failure(Exit::Port, Code::Success, u"The port can't be used now."_s,
+        return failure(Exit::Port, Code::Success, context.port.name + u" can't be used now."_s,
                        u"See the findings above."_s);
     return done(u"The port can be used, as far as can be seen without opening it."_s);
 }

@@ -1,11 +1,16 @@
 #include "fldc/files/NamedPort.h"
 
 #include "fldc/options/Options.h"
+#include "platform/RemoteAddress.h"
+#include "platform/linux/DeviceFacts.h"
+#include "platform/linux/PortFindings.h"
 #include "platform/qt/SettingsFile.h"
 #include "platform/qt/serial/PortListing.h"
 #include "platform/qt/serial/PortText.h"
 
 #include <QFile>
+
+#include <algorithm>
 
 namespace fldc::cli {
 
@@ -28,6 +33,28 @@ std::optional<Outcome> namePort(const Options& options, bool needed, NamedPort& 
     if (chosen.device.isEmpty())
         return failure(Exit::Port, Code::PortDoesNotExist, chosen.error, chosen.hint);
     return std::nullopt;
+}
+
+Outcome explainPort(Outcome outcome, const NamedPort& port)
+{
+    if (outcome.exit != Exit::Port || outcome.code == Code::Success || port.device.isEmpty())
+        return outcome;
+    if (isRemote(port.device)) {
+        outcome.message = u"%1: the line of another machine could not be opened"_s.arg(port.device);
+        outcome.advice = u"Look whether that machine can be reached and offers the line."_s;
+        return outcome;
+    }
+    DeviceInspector inspector(LinuxSystem::thisMachine());
+    const DeviceFacts facts = inspector.facts(port.device);
+    const auto findings = findingsOf(facts);
+    const auto wrong = std::ranges::find(findings, false, &PortFinding::ok);
+    if (facts.state == PortState::Free || wrong == findings.end()) {
+        outcome.advice = u"fldc doctor %1 tells more of the port."_s.arg(port.name);
+        return outcome;
+    }
+    outcome.message = port.device + u": "_s + wrong->text;
+    outcome.advice = wrong->hint;
+    return outcome;
 }
 
 } // namespace fldc::cli

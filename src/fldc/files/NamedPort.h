@@ -21,4 +21,8 @@ struct NamedPort {
 /// nothing: exit code 4, or 1 when none was named that is needed.
 [[nodiscard]] std::optional<Outcome> namePort(const Options& options, bool needed, NamedPort& port);
 
+/// @p outcome of a command on @p port; where the port itself was the obstacle, with what can be
+/// seen of it now (no rights, in use by whom) and what to do about that.
+[[nodiscard]] Outcome explainPort(Outcome outcome, const NamedPort& port);
+
 } // namespace fldc::cli

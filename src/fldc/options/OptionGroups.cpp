@@ -10,7 +10,8 @@ namespace fldc::cli {
 namespace {
 
 constexpr const char* portHelp =
-    "COM3, 3, a device path, usb:SERIAL or a pinned name; - for the variable FLDC_PORT";
+    "COM3, 3, a device path, usb:SERIAL, rfc2217://HOST:PORT or a pinned name; - for the variable "
+    "FLDC_PORT";
 
 } // namespace
 

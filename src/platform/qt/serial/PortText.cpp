@@ -23,8 +23,8 @@ ChosenPort adapter(const QString& text, const PortListing& ports)
 {
     const QString serial = text.sliced(usbPrefix.size());
     if (serial.isEmpty())
-        return refuse(text, u"usb: needs the serial number of an adapter"_s,
-                      u"name an adapter without a serial number by its path"_s);
+        return refuse(text, u"usb: needs the serial number of an adapter."_s,
+                      u"Name an adapter without a serial number by its path."_s);
     const DeviceInspector inspector(ports.system());
     QStringList found;
     const QStringList devices = inspector.serialDevices();
@@ -34,12 +34,13 @@ ChosenPort adapter(const QString& text, const PortListing& ports)
     }
     found.sort();
     if (found.isEmpty())
-        return refuse(text, u"no USB adapter with the serial number %1"_s.arg(serial),
-                      u"is it plugged in? The list of ports shows the serial numbers"_s);
+        return refuse(text, u"There is no USB adapter with the serial number %1."_s.arg(serial),
+                      u"Is it plugged in? The list of ports shows the serial numbers."_s);
     if (found.size() > 1)
         return refuse(
-            text, u"several ports with the serial number %1: %2"_s.arg(serial, found.join(", "_L1)),
-            u"name the port by its path below /dev/serial/by-path"_s);
+            text,
+            u"Several ports have the serial number %1: %2."_s.arg(serial, found.join(", "_L1)),
+            u"Name the port by its path below /dev/serial/by-path."_s);
     return {text, found.first(), {}, {}};
 }
 
@@ -59,8 +60,8 @@ ChosenPort numbered(int number, const PortListing& ports)
     const QString name = portName(number).chopped(1);
     const QString device = ports.devices().value(number);
     if (device.isEmpty())
-        return refuse(name, u"there is no port %1"_s.arg(name),
-                      u"the list of ports shows which there are"_s);
+        return refuse(name, u"There is no port %1."_s.arg(name),
+                      u"The list of ports shows which there are."_s);
     return {name, device, {}, {}};
 }
 
@@ -69,8 +70,8 @@ ChosenPort numbered(int number, const PortListing& ports)
 ChosenPort choosePort(const QString& text, const PortListing& ports)
 {
     if (isRemote(text) && !remoteAddress(text))
-        return refuse(text, u"\"%1\" is no line of another machine"_s.arg(text),
-                      u"write rfc2217://HOST:PORT, an IPv6 address in brackets"_s);
+        return refuse(text, u"\"%1\" is no line of another machine."_s.arg(text),
+                      u"Write rfc2217://HOST:PORT, an IPv6 address in brackets."_s);
     if (text.startsWith(usbPrefix))
         return adapter(text, ports);
     if (const auto number = numberIn(text))
@@ -79,8 +80,9 @@ ChosenPort choosePort(const QString& text, const PortListing& ports)
         return {text, device, {}, {}};
     if (text.contains(u'/'))
         return {text, text, {}, {}};
-    return refuse(text, u"\"%1\" is no port"_s.arg(text),
-                  u"a port is COM3, 3, a path, usb:SERIAL, rfc2217://HOST:PORT or a pinned name"_s);
+    return refuse(
+        text, u"\"%1\" is no port."_s.arg(text),
+        u"A port is COM3, 3, a path, usb:SERIAL, rfc2217://HOST:PORT or a pinned name."_s);
 }
 
 } // namespace fldc

@@ -128,15 +128,21 @@ Notice::Kind kindOf(const Run& run)
     return whole && run.refused.isEmpty() ? Notice::Kind::Good : Notice::Kind::Attention;
 }
 
+QStringView adviceOf(const Run& run)
+{
+    return session::adviceOf(run.state(), static_cast<Code>(run.code));
+}
+
 // What can't be seen elsewhere, or else what is to be done.
-QString nextOf(const Run& run, const session::StateText& radio)
+QString nextOf(const Run& run)
 {
     if (!reachedItsEnd(run) && !run.refused.isEmpty())
         return run.refused.constFirst();
     if (!run.portObstacle.isEmpty() && !run.flashAtRisk())
         return run.portRemedy;
     const bool onlyCancelled = run.code == cancelled && run.state() == session::State::Untouched;
-    return (reachedItsEnd(run) || onlyCancelled ? radio.meaning : radio.advice).toString();
+    return (reachedItsEnd(run) || onlyCancelled ? textOf(run.state()).meaning : adviceOf(run))
+        .toString();
 }
 
 } // namespace
@@ -151,19 +157,18 @@ Notice noticeOf(const Run& run)
     if (!run.operation && run.code == 0) // nothing has run yet that is told of
         return {Notice::Kind::Attention, run.remarks.value(0), run.remarks.value(1),
                 run.remarks.mid(1)};
-    const session::StateText& radio = textOf(run.state());
     Notice notice;
     notice.kind = kindOf(run);
     notice.headline = headlineOf(run);
-    notice.next = nextOf(run, radio);
+    notice.next = nextOf(run);
     for (const ImageNote& image : run.images)
         notice.details.append(lineOf(run, image));
     for (const QString& refused : run.refused)
         notice.details.append(u"Refused: "_s + refused);
     if (!run.portObstacle.isEmpty())
         notice.details.append(run.portObstacle + u". "_s + run.portRemedy);
-    notice.details.append(radio.meaning.toString());
-    notice.details.append(radio.advice.toString());
+    notice.details.append(textOf(run.state()).meaning.toString());
+    notice.details.append(adviceOf(run).toString());
     notice.details.append(run.remarks);
     if (notice.kind == Notice::Kind::Good && !run.remarks.isEmpty()) {
         notice.kind = Notice::Kind::Attention;
