@@ -4,6 +4,7 @@
 #include "fldc/files/ImageView.h"
 #include "fldc/files/InputFiles.h"
 #include "fldc/output/Output.h"
+#include "shared/NumberText.h"
 
 #include <algorithm>
 
@@ -37,7 +38,8 @@ Outcome runInspect(Context& context)
         files.size() == 1 ? u"The file is valid"_s : u"All %1 files are valid"_s.arg(files.size());
     if (withChecksums == 0)
         return done(valid + u'.');
-    return done(valid + u"; records with wrong checksums stand in %1."_s.arg(withChecksums));
+    return done(valid + u"; records with wrong checksums stand in %1."_s.arg(
+                            counted(withChecksums, u"file")));
 }
 
 } // namespace fldc::cli

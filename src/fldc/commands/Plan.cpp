@@ -50,7 +50,9 @@ QJsonObject secondsBySpeed(const WireUse& total)
 
 QString speedsText(const WireUse& total)
 {
-    QString text = u"On the line, data and answers (erasing is not counted):\n"_s;
+    QString text =
+        u"On the line, data and answers, for a radio that takes compressed data (erasing is not "
+        "counted):\n"_s;
     for (const std::uint32_t baud : lineSpeeds)
         text += u"  %1 baud  %2 s\n"_s.arg(baud, 6).arg(total.seconds(baud), 9, 'f', 1);
     return text;
@@ -127,8 +129,9 @@ Outcome runPlan(Context& context)
         images.append(planImage(*image, isFirstOfItsFile(firmware, image), use));
         context.output.print(
             imageTitle(*image) +
-            u"\n  %1 frames, %2 data bytes on the line"_s.arg(use.frames).arg(use.dataBytes) +
-            (radio ? u", %1 places in this radio\n"_s.arg(here) : u"\n"_s));
+            u"\n  %1, %2 on the line"_s.arg(counted(use.frames, u"frame"),
+                                            counted(use.dataBytes, u"data byte")) +
+            (radio ? u", %1 in this radio\n"_s.arg(counted(here, u"place")) : u"\n"_s));
     }
     QJsonObject plan =
         makeObject(kind::plan, {{"images"_L1, images}, {"seconds"_L1, secondsBySpeed(total)}});
