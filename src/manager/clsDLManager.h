@@ -221,6 +221,13 @@ private:
         QHash<QString, ContentHash> hashes; ///< by path
     };
 
+    /// A boot application that can't be sent.
+    struct BootFileFault {
+        QString path;   ///< empty: none
+        QString reason; ///< why it is not valid; empty: it is missing
+        [[nodiscard]] QString text(const QString& message) const;
+    };
+
     // Frame of the operations (clsDLManager_session.cpp)
     [[nodiscard]] Session beginSession();
     void logRadioOn(Session& session);
@@ -298,7 +305,7 @@ private:
     Code m_loadCode = Code::Success; ///< of the last load
     bool m_filesLeftOver = false;    ///< by the last download
     std::optional<Compression> m_compression;
-    QString m_bootFileFault;         ///< which boot application can't be sent, and why
+    BootFileFault m_bootFileFault;
     session::OperationEnded m_ended; ///< how the operation ended that is about to complete
     std::shared_ptr<IPort> m_port;
     bool m_uiMode = false;

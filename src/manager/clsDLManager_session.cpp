@@ -90,13 +90,13 @@ void clsDLManager::SendBootApplication(Session& session, const QString& strFileN
 {
     if (!m_platform.files.exists(strFileName)) {
         lastError().set(Code::FileDoesNotExist);
-        m_bootFileFault = strFileName;
+        m_bootFileFault = {strFileName, {}};
         return;
     }
     const auto bootFiles = std::make_shared<colFiles>();
     const QString reason = readFile(strFileName, bootFiles);
     if (!lastError().ok()) {
-        m_bootFileFault = strFileName + QStringLiteral(", ") + reason;
+        m_bootFileFault = {strFileName, reason};
         return;
     }
     session.protocol->SendUpgradeApplication(session.window(), session.port(),
@@ -138,13 +138,21 @@ void clsDLManager::tellConfigurations(session::Reading when, const clsRadio& rad
     m_teller->tell(std::move(read));
 }
 
+// "JHA2U.Srec: File does not exist (in /var/lib/radios)"
+QString clsDLManager::BootFileFault::text(const QString& message) const
+{
+    const qsizetype behindFolder = path.lastIndexOf(u'\\');
+    const QString where = path.left(behindFolder) + (reason.isEmpty() ? QString() : u"; " + reason);
+    return QStringLiteral("%1: %2 (in %3)").arg(path.mid(behindFolder + 1), message, where);
+}
+
 void clsDLManager::tellEnded(const LastError& outcome)
 {
     const bool hasMessage = messageOf(outcome.number()).has_value();
     m_ended = {outcome.number(), hasMessage ? outcome.description() : QString()};
-    if (const QString fault = std::exchange(m_bootFileFault, {});
-        !fault.isEmpty() && outcome.code() != Code::UserCancelled)
-        m_ended.text += QStringLiteral(": ") + QString(fault).replace(u'\\', u'/');
+    const BootFileFault fault = std::exchange(m_bootFileFault, {});
+    if (!fault.path.isEmpty() && outcome.code() != Code::UserCancelled)
+        m_ended.text = fault.text(m_ended.text);
     m_teller->tell(session::OperationEnded(m_ended));
 }
 

@@ -37,8 +37,8 @@ constexpr std::array texts{
 
 // No other file is read once the radio was reset.
 constexpr auto bootFileAdvice =
-    u"Put the radio family's boot application there (or name its folder: fldc has --boot-files), "
-    u"switch the radio off and on, then start again.";
+    u"Put the boot application there, switch the radio off and on, then start again; fldc takes "
+    u"another folder with --boot-files.";
 
 static_assert(std::ranges::adjacent_find(texts, std::ranges::greater_equal{}, &StateText::state) ==
                       texts.end() &&
