@@ -216,6 +216,17 @@ class Runs(unittest.TestCase):
                     self.assertEqual(run.returncode, code, run.stdout + run.stderr)
                     self.assertIn("good" if kind == "sh" and code == 0 else "again" if code else "confirmed", run.stdout)
 
+    def test_the_bytes_that_readers_are_shown(self):
+        page = (README.parent / "docs/line.md").read_text().split("## The forms")[0]
+        shown = [mark for row in re.findall(r"^\| `(?:->|<-)` \|([^|]*)", page, re.MULTILINE)
+                 for mark in re.findall(r"`([0-9A-F]+)(?:…?)`", row)]
+        with Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200") as bench:
+            start(bench, f"{DOWNLOAD} --log {bench.folder}/log").communicate(timeout=60)
+            logged = re.findall(r"(?:Sent|Received) +: ([0-9A-F]+)", (bench.folder / "log").read_text("latin-1"))
+        rest = iter(logged)
+        missing = [mark for mark in shown if not any(line.startswith(mark) for line in rest)]
+        self.assertEqual((missing, len(shown) > 40), ([], True))
+
     def test_no_display_library_is_needed(self):
         needed = subprocess.run(["ldd", PROGRAM], capture_output=True, text=True, check=True).stdout
         for library in ("Qt6Gui", "Qt6Widgets", "Qt6DBus", "libX11", "libGL"):
