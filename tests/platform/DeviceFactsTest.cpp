@@ -299,7 +299,7 @@ TEST(PortText, MeansANumberAPathAnAdapterOrAPinnedName)
     system.addTerminal(u"ttyUSB1"_s, 188, 1, u"/sys/devices/pci/usb1/1-2/1-2:1.1/ttyUSB1"_s);
     expect({{u"usb:A50285BI"_s, u"usb:A50285BI"_s, {}}});
     EXPECT_EQ(choosePort(u"usb:A50285BI"_s, ports).error,
-              u"several ports with the serial number A50285BI: /dev/ttyUSB0, /dev/ttyUSB1"_s);
+              u"Several ports have the serial number A50285BI: /dev/ttyUSB0, /dev/ttyUSB1."_s);
 }
 
 } // namespace

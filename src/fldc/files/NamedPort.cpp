@@ -40,7 +40,7 @@ Outcome explainPort(Outcome outcome, const NamedPort& port)
     if (outcome.exit != Exit::Port || outcome.code == Code::Success || port.device.isEmpty())
         return outcome;
     if (isRemote(port.device)) {
-        outcome.message = u"%1: the line of another machine could not be opened"_s.arg(port.device);
+        outcome.message = port.device + u": "_s + outcome.message;
         outcome.advice = u"Look whether that machine can be reached and offers the line."_s;
         return outcome;
     }
