@@ -35,15 +35,15 @@ constexpr std::array texts{
               u"Nothing is left to do but to look at what was reported."},
 };
 
-// No other file is read once the radio was reset.
-constexpr auto bootFileAdvice =
-    u"Put the boot application there, switch the radio off and on, then start again; fldc takes "
-    u"another folder with --boot-files.";
-
 static_assert(std::ranges::adjacent_find(texts, std::ranges::greater_equal{}, &StateText::state) ==
                       texts.end() &&
                   texts.size() == static_cast<std::size_t>(State::Restarted) + 1,
               "each state once, in order");
+
+// No other file is read once the radio was reset.
+constexpr auto bootFileAdvice =
+    u"Put the boot application there, switch the radio off and on, then start again; fldc takes "
+    u"another folder with --boot-files.";
 
 constexpr std::size_t steps = 6;
 constexpr std::size_t outcomes = 4;

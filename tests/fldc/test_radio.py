@@ -219,7 +219,7 @@ class Runs(unittest.TestCase):
     def test_the_bytes_that_readers_are_shown(self):
         page = (README.parent / "docs/line.md").read_text().split("## The forms")[0]
         shown = [mark for row in re.findall(r"^\| `(?:->|<-)` \|([^|]*)", page, re.MULTILINE)
-                 for mark in re.findall(r"`([0-9A-F]+)(?:…?)`", row)]
+                 for mark in re.findall(r"`([0-9A-F]+)…?`", row)]
         with Workbench(PROGRAM, SIMULATOR, SAMPLES, "rv4200") as bench:
             start(bench, f"{DOWNLOAD} --log {bench.folder}/log").communicate(timeout=60)
             logged = re.findall(r"(?:Sent|Received) +: ([0-9A-F]+)", (bench.folder / "log").read_text("latin-1"))

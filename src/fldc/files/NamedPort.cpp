@@ -10,8 +10,6 @@
 
 #include <QFile>
 
-#include <algorithm>
-
 namespace fldc::cli {
 
 using namespace Qt::StringLiterals;
@@ -45,15 +43,13 @@ Outcome explainPort(Outcome outcome, const NamedPort& port)
         return outcome;
     }
     DeviceInspector inspector(LinuxSystem::thisMachine());
-    const DeviceFacts facts = inspector.facts(port.device);
-    const auto findings = findingsOf(facts);
-    const auto wrong = std::ranges::find(findings, false, &PortFinding::ok);
-    if (facts.state == PortState::Free || wrong == findings.end()) {
+    const auto fault = faultOf(inspector.facts(port.device));
+    if (!fault) {
         outcome.advice = u"fldc doctor %1 tells more of the port."_s.arg(port.name);
         return outcome;
     }
-    outcome.message = port.device + u": "_s + wrong->text;
-    outcome.advice = wrong->hint;
+    outcome.message = port.device + u": "_s + fault->text;
+    outcome.advice = fault->hint;
     return outcome;
 }
 

@@ -112,6 +112,14 @@ std::vector<PortFinding> findingsOf(const DeviceFacts& facts)
     return findings;
 }
 
+std::optional<PortFinding> faultOf(const DeviceFacts& facts)
+{
+    const auto findings = findingsOf(facts);
+    const auto wrong = std::ranges::find(findings, false, &PortFinding::ok);
+    return facts.state == PortState::Free || wrong == findings.end() ? std::nullopt
+                                                                     : std::optional(*wrong);
+}
+
 std::optional<PortObstacle> portObstacle(const DeviceFacts& facts)
 {
     static constexpr std::array names{u"", u"in use", u"no rights", u"no adapter"};
@@ -121,9 +129,8 @@ std::optional<PortObstacle> portObstacle(const DeviceFacts& facts)
     QString what = QString::fromUtf16(names.at(static_cast<std::size_t>(facts.state)));
     if (facts.state == PortState::InUse && user)
         what += u" by "_s + userText(*user);
-    const auto findings = findingsOf(facts);
-    const auto wrong = std::ranges::find(findings, false, &PortFinding::ok);
-    return PortObstacle{what, wrong == findings.end() ? QString() : wrong->hint};
+    const auto fault = faultOf(facts);
+    return PortObstacle{what, fault ? fault->hint : QString()};
 }
 
 } // namespace fldc

@@ -19,6 +19,9 @@ struct PortFinding {
 /// What the facts of a port say, from the device to the adapter's timing.
 [[nodiscard]] std::vector<PortFinding> findingsOf(const DeviceFacts& facts);
 
+/// The finding that keeps the port from being used now; nothing when it may be free.
+[[nodiscard]] std::optional<PortFinding> faultOf(const DeviceFacts& facts);
+
 /// Why a port can't be used now.
 struct PortObstacle {
     QString what;   ///< "no adapter", "no rights", or "in use by picocom (process 7)"
