@@ -14,6 +14,12 @@ std::string speedText(int speed)
 // In the middle of a long sequence the line is served this often; its last byte is served on time.
 constexpr milliseconds servingInterval{2};
 
+// Shorter than the 2 s that hosts wait for a start-up byte: one that goes on at another speed finds
+// the radio's byte lost, as it would be.
+constexpr milliseconds patience{1000};
+// A host that has just come may still throw away what it finds on the line.
+constexpr milliseconds settling{200};
+
 Time wakeFor(const std::deque<Line::TimedByte>& queue, Time now)
 {
     return std::min(queue.back().at, std::max(queue.front().at, now + servingInterval));
@@ -25,6 +31,7 @@ void Line::setSpeed(int speed, bool deaf)
 {
     m_speed = speed;
     m_deaf = deaf;
+    m_patientUntil = Clock::now() + patience;
 }
 
 Clock::duration Line::byteTime() const
@@ -79,6 +86,27 @@ void Line::forget()
     m_lastSaid = {};
 }
 
+std::string Line::obstacle() const
+{
+    if (!m_terminal.hostPresent())
+        return " while nobody has the line open";
+    if (m_deaf)
+        return ", which does not get through";
+    const int hostSpeed = m_terminal.hostSpeed();
+    return hostSpeed == m_speed ? "" : " while the host listens at " + speedText(hostSpeed);
+}
+
+bool Line::waitsForHost(const std::string& obstacle, Time now)
+{
+    if (!obstacle.empty() && !m_deaf && now < m_patientUntil) {
+        if (!m_waitsForHost)
+            m_log.event("Waits to speak at " + speedText(m_speed) + obstacle);
+        m_hostReadyAt = now + settling;
+    }
+    m_waitsForHost = now < m_hostReadyAt;
+    return m_waitsForHost;
+}
+
 void Line::transmit(Time now)
 {
     Bytes due;
@@ -90,16 +118,15 @@ void Line::transmit(Time now)
     m_blocked = false;
     if (due.empty())
         return;
-    const int hostSpeed = m_terminal.hostSpeed();
-    const bool present = m_terminal.hostPresent();
+    const std::string obstacle = this->obstacle();
+    if (waitsForHost(obstacle, now))
+        return;
     std::size_t done = due.size();
-    if (!present || m_deaf || hostSpeed != m_speed) {
+    if (!obstacle.empty()) {
         m_log.event("Lost: " + std::to_string(due.size()) + " byte(s) said at " +
-                    speedText(m_speed) +
-                    (!present ? " while nobody has the line open"
-                     : m_deaf ? ", which does not get through"
-                              : " while the host listens at " + speedText(hostSpeed)));
+                    speedText(m_speed) + obstacle);
     } else {
+        m_patientUntil = {};
         done = m_terminal.write(due);
         m_blocked = done < due.size();
     }
@@ -111,8 +138,10 @@ std::optional<Time> Line::deadline(Time now) const
     std::optional<Time> earliest;
     if (!m_heard.empty())
         earliest = wakeFor(m_heard, now);
-    if (!m_toSay.empty() && !m_blocked)
-        earliest = std::min(earliest.value_or(Time::max()), wakeFor(m_toSay, now));
+    if (!m_toSay.empty() && !m_blocked) {
+        const Time wake = m_waitsForHost ? m_hostReadyAt : wakeFor(m_toSay, now);
+        earliest = std::min(earliest.value_or(Time::max()), wake);
+    }
     return earliest;
 }
 

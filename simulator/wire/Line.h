@@ -3,7 +3,8 @@
 //
 // A pseudo-terminal carries bytes at once and at any speed, so both are made here. What the host
 // sends is heard only at the radio's speed, what the radio says while the host is at another speed,
-// or while nobody has the line open, is lost.
+// or while nobody has the line open, is lost. A radio that has just restarted or changed its speed
+// is patient: hosts that share a busy machine may take longer than its own moments to follow.
 //
 // A host cannot wait for a pseudo-terminal to be drained, so it may change its speed right after
 // writing. Bytes just read therefore count as sent at the speed sampled last before them or at the
@@ -17,6 +18,7 @@
 
 #include <deque>
 #include <optional>
+#include <string>
 
 namespace simulator {
 
@@ -60,6 +62,9 @@ public:
 
 private:
     Clock::duration byteTime() const;
+    /// Why the host can't hear the radio now; empty when it can.
+    std::string obstacle() const;
+    bool waitsForHost(const std::string& obstacle, Time now);
 
     PseudoTerminal& m_terminal;
     bool m_paced;
@@ -68,6 +73,9 @@ private:
     bool m_deaf = false;
     int m_sampledSpeed = 0;
     bool m_blocked = false;
+    bool m_waitsForHost = false;
+    Time m_patientUntil{};
+    Time m_hostReadyAt{};
     std::deque<TimedByte> m_heard;
     std::deque<TimedByte> m_toSay;
     Time m_lastHeard{};

@@ -101,7 +101,8 @@ def commanded(profile, *arguments):
 
 
 # Profile, faults and what is said: ">" the host, "<" the radio; "-": the radio says nothing. "ready" asks
-# whether it takes commands, "speed" for 115200 bit/s; "@" the host's speed, "closed": its port for a while.
+# whether it takes commands, "speed" for 115200 bit/s; "@" the host's speed, "closed": its port for a while,
+# "late": longer than a radio is patient.
 IDENTITY = b"RV4100 1.08 RVKB3*?".hex() + "AFAF"
 BOOT = b"RVKC4*".hex()
 COMMANDED = "already-in-upgrade-mode=19200 "
@@ -118,11 +119,12 @@ DIALOGUES = [
     # Deaf at another speed; a restart brings it back, and a speed changed right after a frame loses nothing.
     ("rv4100", COMMANDED, "ready, < AFAF, speed, @ 115200, < AFAF, ready, < AFAF, @ 19200, ready, -, "
                           "@ 115200, ready, < AFAF, > 3600C9FF, @ 19200, < 76"),
-    ("rv4100", COMMANDED, "speed, -, @ 115200, -, ready, < AFAF"),
+    ("rv4100", COMMANDED, "speed, late, @ 115200, -, ready, < AFAF"),
     ("rv6100", COMMANDED, "speed, < 8101AFAF, ready, < AFAF"),
     ("rv4100", COMMANDED + "ignores-speed=115200", "speed, -, ready, < AFAF"),
     ("rv4100", COMMANDED + "deaf=115200", "ready, < AFAF, speed, @ 115200, ready, -"),
-    ("rv4100", "", f"> 5E, closed, @ 19200, -, > 7E, < {IDENTITY}"),  # nobody hears the 76
+    ("rv4100", "", f"> 5E, closed, late, @ 19200, -, > 7E, < {IDENTITY}"),  # nobody hears the 76
+    ("rv4100", "", "> 5E, closed, @ 19200, < 76"),  # somebody comes in time
     # Changed answers.
     ("rv4100", COMMANDED + "fault@38:2=8104", "ready, < AFAF, ready, < 8104AFAF, ready, < AFAF"),
     ("rv4100", COMMANDED + "fault@38:2+=8104", "ready, < AFAF, ready, < 8104AFAF, ready, < 8104AFAF"),
@@ -153,6 +155,8 @@ class Dialogues(unittest.TestCase):
         elif word == "closed":
             radio.close()
             time.sleep(0.5)
+        elif word == "late":
+            time.sleep(1.4)
         else:
             os.write(radio.port, {"ready": CONFIRM_READY, "speed": SPEED_115200}.get(word) or bytes.fromhex(rest))
 
