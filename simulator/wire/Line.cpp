@@ -42,6 +42,13 @@ Clock::duration Line::byteTime() const
     return std::chrono::nanoseconds(bitsPerByte * 1'000'000'000 / m_speed);
 }
 
+void Line::sample()
+{
+    const int speed = m_terminal.hostSpeed(); // first: what was written before it is told by now
+    if (!m_terminal.hasUnread())
+        m_sampledSpeed = speed;
+}
+
 void Line::receive()
 {
     const int before = m_sampledSpeed;

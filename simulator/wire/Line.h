@@ -8,7 +8,8 @@
 //
 // A host cannot wait for a pseudo-terminal to be drained, so it may change its speed right after
 // writing. Bytes just read therefore count as sent at the speed sampled last before them or at the
-// present one; the owner calls sample() often enough to keep the former fresh.
+// present one; the owner calls sample() often enough to keep the former fresh, and it stays while
+// bytes are on their way.
 #pragma once
 
 #include "Bytes.h"
@@ -47,7 +48,7 @@ public:
     // --- the owner's loop
     /// Looks at the host's speed. To be called at least every few milliseconds while a host is
     /// there.
-    void sample() { m_sampledSpeed = m_terminal.hostSpeed(); }
+    void sample();
     /// Takes what the host has written. Bytes at another speed than the radio's are told and
     /// dropped.
     void receive();

@@ -16,6 +16,10 @@ namespace simulator {
 
 namespace {
 
+// What the host writes is there at once, unless the system is busy. A report that comes after its
+// bytes were read is forgotten then.
+constexpr milliseconds longestPassage{200};
+
 // The speeds that serial ports of all kinds have and that a radio might be sought at.
 constexpr std::array<std::pair<speed_t, int>, 8> speeds{{{B1200, 1200},
                                                          {B2400, 2400},
@@ -94,9 +98,11 @@ void PseudoTerminal::countOpenings()
                 ++m_openings;
             else if ((event->mask & IN_CLOSE) != 0 && m_openings > 0)
                 --m_openings;
-            else if ((event->mask & IN_MODIFY) != 0)
+            else if ((event->mask & IN_MODIFY) != 0) {
                 // Two openings at the same moment are reported as one, but who writes is there.
                 m_openings = std::max(m_openings, 1);
+                m_writtenAt = Clock::now();
+            }
             offset += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
         }
     }
@@ -110,6 +116,13 @@ bool PseudoTerminal::hostPresent()
     return m_openings > 0;
 }
 
+bool PseudoTerminal::hasUnread()
+{
+    if (m_watch >= 0)
+        countOpenings();
+    return m_writtenAt && Clock::now() - *m_writtenAt < longestPassage;
+}
+
 Bytes PseudoTerminal::read()
 {
     Bytes bytes;
@@ -117,6 +130,10 @@ Bytes PseudoTerminal::read()
     ssize_t size = 0;
     while ((size = ::read(m_master, buffer.data(), buffer.size())) > 0)
         bytes.insert(bytes.end(), buffer.begin(), buffer.begin() + size);
+    if (!bytes.empty()) {
+        (void)hasUnread(); // takes the report of the bytes just read
+        m_writtenAt.reset();
+    }
     return bytes;
 }
 

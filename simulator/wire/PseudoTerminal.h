@@ -2,7 +2,9 @@
 #pragma once
 
 #include "Bytes.h"
+#include "Clock.h"
 
+#include <optional>
 #include <string>
 
 namespace simulator {
@@ -33,6 +35,9 @@ public:
     int hostSpeed() const;
     /// Whether a host has the line open. Always true where openings cannot be watched.
     bool hostPresent();
+    /// Whether the host has written lately what read() has not given yet: the system carries bytes
+    /// from one end to the other in its own time. Always false where openings cannot be watched.
+    bool hasUnread();
 
     /// The host sees the line hung up, as if its adapter had been pulled out.
     void hangUp();
@@ -47,6 +52,7 @@ private:
     int m_slave = -1;
     int m_watch = -1;
     int m_openings = 0;
+    std::optional<Time> m_writtenAt;
     std::string m_path;
 };
 
