@@ -32,6 +32,7 @@ void Line::setSpeed(int speed, bool deaf)
     m_speed = speed;
     m_deaf = deaf;
     m_patientUntil = Clock::now() + patience;
+    m_hostReadyAt = {};
 }
 
 Clock::duration Line::byteTime() const
@@ -106,12 +107,11 @@ std::string Line::obstacle() const
 bool Line::waitsForHost(const std::string& obstacle, Time now)
 {
     if (!obstacle.empty() && !m_deaf && now < m_patientUntil) {
-        if (!m_waitsForHost)
+        if (now >= m_hostReadyAt)
             m_log.event("Waits to speak at " + speedText(m_speed) + obstacle);
         m_hostReadyAt = now + settling;
     }
-    m_waitsForHost = now < m_hostReadyAt;
-    return m_waitsForHost;
+    return now < m_hostReadyAt;
 }
 
 void Line::transmit(Time now)
@@ -145,10 +145,9 @@ std::optional<Time> Line::deadline(Time now) const
     std::optional<Time> earliest;
     if (!m_heard.empty())
         earliest = wakeFor(m_heard, now);
-    if (!m_toSay.empty() && !m_blocked) {
-        const Time wake = m_waitsForHost ? m_hostReadyAt : wakeFor(m_toSay, now);
-        earliest = std::min(earliest.value_or(Time::max()), wake);
-    }
+    if (!m_toSay.empty() && !m_blocked)
+        earliest = std::min(earliest.value_or(Time::max()),
+                            std::max(wakeFor(m_toSay, now), m_hostReadyAt));
     return earliest;
 }
 

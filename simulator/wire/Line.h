@@ -65,6 +65,7 @@ private:
     Clock::duration byteTime() const;
     /// Why the host can't hear the radio now; empty when it can.
     std::string obstacle() const;
+    /// Whether what is due waits for a host that has not followed yet, or has only just.
     bool waitsForHost(const std::string& obstacle, Time now);
 
     PseudoTerminal& m_terminal;
@@ -74,7 +75,6 @@ private:
     bool m_deaf = false;
     int m_sampledSpeed = 0;
     bool m_blocked = false;
-    bool m_waitsForHost = false;
     Time m_patientUntil{};
     Time m_hostReadyAt{};
     std::deque<TimedByte> m_heard;

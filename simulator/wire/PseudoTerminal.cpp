@@ -77,28 +77,28 @@ void PseudoTerminal::watchOpenings()
     // that nobody is there.
     ::inotify_add_watch(m_watch, m_path.c_str(), IN_OPEN | IN_CLOSE | IN_MODIFY);
     const int trial = ::open(m_path.c_str(), O_RDWR | O_NOCTTY);
-    countOpenings();
+    takeReports();
     const bool reported = m_openings == 1;
     if (trial >= 0)
         ::close(trial);
     if (reported)
-        countOpenings();
+        takeReports();
     else
         closeAndForget(m_watch);
 }
 
-void PseudoTerminal::countOpenings()
+void PseudoTerminal::takeReports()
 {
     alignas(inotify_event) std::array<char, 4096> buffer{};
     ssize_t size = 0;
     while ((size = ::read(m_watch, buffer.data(), buffer.size())) > 0) {
         for (ssize_t offset = 0; offset < size;) {
             const auto* event = reinterpret_cast<const inotify_event*>(buffer.data() + offset);
-            if ((event->mask & IN_OPEN) != 0)
+            if ((event->mask & IN_OPEN) != 0) {
                 ++m_openings;
-            else if ((event->mask & IN_CLOSE) != 0 && m_openings > 0)
+            } else if ((event->mask & IN_CLOSE) != 0 && m_openings > 0) {
                 --m_openings;
-            else if ((event->mask & IN_MODIFY) != 0) {
+            } else if ((event->mask & IN_MODIFY) != 0) {
                 // Two openings at the same moment are reported as one, but who writes is there.
                 m_openings = std::max(m_openings, 1);
                 m_writtenAt = Clock::now();
@@ -112,14 +112,13 @@ bool PseudoTerminal::hostPresent()
 {
     if (m_watch < 0)
         return true;
-    countOpenings();
+    takeReports();
     return m_openings > 0;
 }
 
 bool PseudoTerminal::hasUnread()
 {
-    if (m_watch >= 0)
-        countOpenings();
+    takeReports();
     return m_writtenAt && Clock::now() - *m_writtenAt < longestPassage;
 }
 
@@ -131,7 +130,7 @@ Bytes PseudoTerminal::read()
     while ((size = ::read(m_master, buffer.data(), buffer.size())) > 0)
         bytes.insert(bytes.end(), buffer.begin(), buffer.begin() + size);
     if (!bytes.empty()) {
-        (void)hasUnread(); // takes the report of the bytes just read
+        takeReports(); // that of these bytes, too
         m_writtenAt.reset();
     }
     return bytes;

@@ -44,7 +44,8 @@ public:
 
 private:
     void watchOpenings();
-    void countOpenings();
+    /// What the host has done to the line since: opened, closed, written. None without a watch.
+    void takeReports();
 
     int m_master = -1;
     // Kept open and raw for the whole life: without it the master fails while no host has the line
