@@ -15,7 +15,7 @@ namespace simulator {
 
 namespace {
 
-// How often the host's speed is looked at while it may change.
+// How often it is looked whether a host has come, and at its speed.
 constexpr milliseconds samplingInterval{2};
 
 Time after(Time start, double seconds)
@@ -62,29 +62,19 @@ void Simulator::run()
 void Simulator::waitForSomething()
 {
     const Time now = Clock::now();
-    std::optional<Time> wake = m_line.deadline(now);
-    const auto wakeAt = [&](std::optional<Time> time) {
-        if (time)
-            wake = std::min(*time, wake.value_or(Time::max()));
-    };
-    wakeAt(m_radio.deadline());
-    wakeAt(m_end);
-    wakeAt(m_powerCycleAt);
-    if (m_terminal.hostPresent())
-        wakeAt(now + samplingInterval);
+    Time wake = now + samplingInterval;
+    for (const auto deadline : {m_line.deadline(now), m_radio.deadline(), m_end, m_powerCycleAt})
+        wake = std::min(wake, deadline.value_or(wake));
 
+    const bool hostPresent = m_terminal.hostPresent();
     const auto terminalEvents = static_cast<short>(m_line.isBlocked() ? POLLIN | POLLOUT : POLLIN);
-    std::array<pollfd, 3> sources{{{m_terminal.descriptor(), terminalEvents, 0},
-                                   {m_terminal.watchDescriptor(), POLLIN, 0},
-                                   {m_signals, POLLIN, 0}}};
-    timespec timeout{};
-    if (wake) {
-        const auto left = std::max(*wake - now, Clock::duration::zero());
-        const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
-        timeout.tv_sec = seconds.count();
-        timeout.tv_nsec = std::chrono::nanoseconds(left - seconds).count();
-    }
-    ::ppoll(sources.data(), sources.size(), wake ? &timeout : nullptr, nullptr);
+    std::array<pollfd, 2> sources{
+        {{hostPresent ? m_terminal.descriptor() : -1, terminalEvents, 0}, {m_signals, POLLIN, 0}}};
+    const auto left = std::max(wake - now, Clock::duration::zero());
+    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(left);
+    const timespec timeout{.tv_sec = seconds.count(),
+                           .tv_nsec = std::chrono::nanoseconds(left - seconds).count()};
+    ::ppoll(sources.data(), sources.size(), &timeout, nullptr);
 }
 
 void Simulator::serve(Time now)

@@ -10,7 +10,7 @@
 
 namespace simulator {
 
-/// One thread and one poll(): the line, the openings of the line, signals and the earliest
+/// One thread and one poll(): the line, signals and the earliest
 /// deadline. It never blocks on the line: a host that stops reading must not stop the radio's
 /// clock.
 class Simulator {

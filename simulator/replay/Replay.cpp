@@ -75,13 +75,12 @@ bool Replay::run()
 
 void Replay::waitForSomething()
 {
-    // What is answered with a delay, and whether the host has left, is looked at often.
-    const bool watching = m_sayAt || !m_toSay.empty() || isComplete() || m_end;
-    std::array<pollfd, 3> sources{{{m_terminal.descriptor(), POLLIN, 0},
-                                   {m_terminal.watchDescriptor(), POLLIN, 0},
-                                   {m_signals, POLLIN, 0}}};
-    ::poll(sources.data(), sources.size(), watching ? servingInterval : -1);
-    m_ended = (sources[2].revents & POLLIN) != 0;
+    // Whether a host has come or left, and what is answered with a delay, is looked at often.
+    std::array<pollfd, 2> sources{
+        {{m_terminal.hostPresent() ? m_terminal.descriptor() : -1, POLLIN, 0},
+         {m_signals, POLLIN, 0}}};
+    ::poll(sources.data(), sources.size(), servingInterval);
+    m_ended = (sources[1].revents & POLLIN) != 0;
 }
 
 bool Replay::hostHasLeft()

@@ -43,18 +43,21 @@ Clock::duration Line::byteTime() const
     return std::chrono::nanoseconds(bitsPerByte * 1'000'000'000 / m_speed);
 }
 
-void Line::sample()
+Bytes Line::takeFromHost()
 {
-    const int speed = m_terminal.hostSpeed(); // first: what was written before it is told by now
-    if (!m_terminal.hasUnread())
+    Bytes bytes = m_terminal.read();
+    for (int speed = 0; (speed = m_terminal.hostSpeed()) != m_sampledSpeed;) {
         m_sampledSpeed = speed;
+        const Bytes more = m_terminal.read(); // written before the change, too
+        bytes.insert(bytes.end(), more.begin(), more.end());
+    }
+    return bytes;
 }
 
 void Line::receive()
 {
     const int before = m_sampledSpeed;
-    const Bytes bytes = m_terminal.read();
-    sample();
+    const Bytes bytes = takeFromHost();
     if (bytes.empty())
         return;
     if (m_deaf || (before != m_speed && m_sampledSpeed != m_speed)) {

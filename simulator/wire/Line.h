@@ -8,8 +8,7 @@
 //
 // A host cannot wait for a pseudo-terminal to be drained, so it may change its speed right after
 // writing. Bytes just read therefore count as sent at the speed sampled last before them or at the
-// present one; the owner calls sample() often enough to keep the former fresh, and it stays while
-// bytes are on their way.
+// present one; the owner calls receive() often enough to keep the former fresh.
 #pragma once
 
 #include "Bytes.h"
@@ -46,11 +45,8 @@ public:
     void forget();
 
     // --- the owner's loop
-    /// Looks at the host's speed. To be called at least every few milliseconds while a host is
-    /// there.
-    void sample();
-    /// Takes what the host has written. Bytes at another speed than the radio's are told and
-    /// dropped.
+    /// Takes what the host has written, and looks at its speed: to be called every few
+    /// milliseconds. Bytes at another speed than the radio's are told and dropped.
     void receive();
     /// The next byte that has arrived by `now`, in order.
     std::optional<TimedByte> next(Time now);
@@ -63,6 +59,8 @@ public:
 
 private:
     Clock::duration byteTime() const;
+    /// What the host has written before and, where that has just changed, since its present speed.
+    Bytes takeFromHost();
     /// Why the host can't hear the radio now; empty when it can.
     std::string obstacle() const;
     /// Whether what is due waits for a host that has not followed yet, or has only just.
